@@ -1,0 +1,25 @@
+#pragma once
+// The headless command line: `quillaron COMMAND ...` runs without a window.
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace qds {
+
+struct CommandLine {
+  std::optional<std::string> appDir;  // --app-dir DIR
+  std::vector<std::string> words;     // the command and its arguments
+  bool help = false;
+  bool version = false;
+  std::string error;  // set when the arguments cannot be read
+};
+
+CommandLine ParseCommandLine(const std::vector<std::string>& args);
+
+// Runs a parsed command; returns the process exit code (0 success, 1 the
+// command failed, 2 the command line was wrong).
+int RunCommand(const CommandLine& cmd, std::ostream& out, std::ostream& err);
+
+}  // namespace qds

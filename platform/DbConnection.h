@@ -1,0 +1,71 @@
+#pragma once
+// An open SQLite database. Exactly one statement per call: text that holds a
+// second statement is refused before anything runs, so no value spliced into
+// a statement can ever add SQL of its own. "Select Top N ..." is accepted and
+// runs as "... LIMIT N".
+//
+// Errors are kept the way the old data layer kept them: a failed statement
+// leaves its number and text on the connection until ClearError() or the
+// next failure, so a caller can look at the error state after a run of
+// statements. Query() also raises the error; Execute() only returns false.
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/Bytes.h"
+
+namespace qds {
+
+class DbRecordset;
+namespace detail {
+struct DbHandle;
+}
+
+enum class DbOpenMode { ReadWrite, ReadOnly };
+
+class DbConnection {
+ public:
+  DbConnection() = default;  // not open: every statement fails
+
+  // Never throws: a file that cannot be opened surfaces as the error of the
+  // first statement. `key` is for encrypted exchange files; plain database
+  // files ignore it. ReadWrite creates a missing file.
+  static DbConnection Open(const std::string& path, const std::string& key = {},
+                           DbOpenMode mode = DbOpenMode::ReadWrite);
+  // A private database in memory, for tests and scratch work.
+  static DbConnection OpenMemory();
+
+  bool IsOpen() const;
+  std::string Path() const;
+  void Close();
+
+  DbRecordset Query(std::string_view sql);
+  bool Execute(std::string_view sql);
+  bool BeginTrans() { return Execute("BEGIN"); }
+  bool CommitTrans() { return Execute("COMMIT"); }
+  bool RollbackTrans() { return Execute("ROLLBACK"); }
+
+  bool HasError() const;
+  int ErrorNumber() const;
+  std::string ErrorText() const;
+  void ClearError();
+
+  std::int64_t LastInsertID() const;
+  int Changes() const;
+
+ private:
+  std::shared_ptr<detail::DbHandle> h_;
+};
+
+// Doubles every "'" so that a text can stand between quotes in a statement:
+// "Name='" + SqlText(name) + "'". NUL characters, which would cut the
+// statement short, are dropped.
+std::string SqlText(std::string_view value);
+
+// "Select [Distinct] Top N rest" -> "Select [Distinct] rest LIMIT N"; any
+// other text is returned unchanged.
+std::string RewriteSelectTop(std::string_view sql);
+
+}  // namespace qds

@@ -43,11 +43,14 @@ const std::uint8_t* ByteReader::Take(std::size_t n) {
   return p;
 }
 
-std::uint8_t ByteReader::U8() { return *Take(1); }
+std::uint8_t ByteReader::U8() {
+  return *Take(1);
+}
 
 std::uint32_t ByteReader::U32() {
   const std::uint8_t* p = Take(4);
-  return std::uint32_t{p[0]} | std::uint32_t{p[1]} << 8 | std::uint32_t{p[2]} << 16 | std::uint32_t{p[3]} << 24;
+  return std::uint32_t{p[0]} | std::uint32_t{p[1]} << 8 | std::uint32_t{p[2]} << 16 |
+         std::uint32_t{p[3]} << 24;
 }
 
 std::int64_t ByteReader::I64() {

@@ -10,9 +10,13 @@
 
 namespace qds {
 
-Bytes ToBytes(std::string_view text) { return Bytes(text.begin(), text.end()); }
+Bytes ToBytes(std::string_view text) {
+  return Bytes(text.begin(), text.end());
+}
 
-std::string ToString(const Bytes& bytes) { return std::string(bytes.begin(), bytes.end()); }
+std::string ToString(const Bytes& bytes) {
+  return std::string(bytes.begin(), bytes.end());
+}
 
 std::string ContentHash(const void* data, std::size_t size) {
   // XXH3-128 is specified to give the same value on every platform and
@@ -24,9 +28,13 @@ std::string ContentHash(const void* data, std::size_t size) {
   return std::string(out, 32);
 }
 
-std::string ContentHash(const Bytes& bytes) { return ContentHash(bytes.data(), bytes.size()); }
+std::string ContentHash(const Bytes& bytes) {
+  return ContentHash(bytes.data(), bytes.size());
+}
 
-std::string ContentHash(std::string_view text) { return ContentHash(text.data(), text.size()); }
+std::string ContentHash(std::string_view text) {
+  return ContentHash(text.data(), text.size());
+}
 
 namespace {
 
@@ -148,8 +156,7 @@ std::string Utf16ToUtf8(std::u16string_view text) {
   cps.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char16_t u = text[i];
-    if (u >= 0xD800 && u <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
-        text[i + 1] <= 0xDFFF) {
+    if (u >= 0xD800 && u <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
       cps.push_back(0x10000 + ((char32_t(u) - 0xD800) << 10) + (char32_t(text[i + 1]) - 0xDC00));
       ++i;
     } else if (u >= 0xD800 && u <= 0xDFFF) {
@@ -187,7 +194,9 @@ class ZStream {
 
 }  // namespace
 
-bool IsGzip(const Bytes& data) { return data.size() >= 2 && data[0] == 0x1F && data[1] == 0x8B; }
+bool IsGzip(const Bytes& data) {
+  return data.size() >= 2 && data[0] == 0x1F && data[1] == 0x8B;
+}
 
 Bytes GzipCompress(const Bytes& data, int level) {
   ZStream s(false);

@@ -60,14 +60,14 @@ DbConnection DbConnection::Open(const std::string& path, const std::string& /*ke
   DbConnection c;
   c.h_ = std::make_shared<detail::DbHandle>();
   c.h_->path = path;
-  const int flags = mode == DbOpenMode::ReadOnly ? SQLITE_OPEN_READONLY
-                                                 : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+  const int flags =
+      mode == DbOpenMode::ReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
   sqlite3* db = nullptr;
   const int rc = sqlite3_open_v2(path.c_str(), &db, flags | SQLITE_OPEN_NOMUTEX, nullptr);
   if (rc != SQLITE_OK) {
     c.h_->openErrorNumber = rc;
-    c.h_->openErrorText =
-        std::string("Cannot open the database \"") + path + "\": " + (db ? sqlite3_errmsg(db) : sqlite3_errstr(rc));
+    c.h_->openErrorText = std::string("Cannot open the database \"") + path +
+                          "\": " + (db ? sqlite3_errmsg(db) : sqlite3_errstr(rc));
     if (db) sqlite3_close_v2(db);
     return c;
   }
@@ -77,13 +77,21 @@ DbConnection DbConnection::Open(const std::string& path, const std::string& /*ke
   return c;
 }
 
-DbConnection DbConnection::OpenMemory() { return Open(":memory:"); }
+DbConnection DbConnection::OpenMemory() {
+  return Open(":memory:");
+}
 
-bool DbConnection::IsOpen() const { return h_ && h_->db; }
+bool DbConnection::IsOpen() const {
+  return h_ && h_->db;
+}
 
-std::string DbConnection::Path() const { return h_ ? h_->path : std::string(); }
+std::string DbConnection::Path() const {
+  return h_ ? h_->path : std::string();
+}
 
-void DbConnection::Close() { h_.reset(); }
+void DbConnection::Close() {
+  h_.reset();
+}
 
 DbRecordset DbConnection::Query(std::string_view sql) {
   if (!h_) h_ = std::make_shared<detail::DbHandle>();
@@ -101,17 +109,27 @@ bool DbConnection::Execute(std::string_view sql) {
   }
 }
 
-bool DbConnection::HasError() const { return h_ && h_->errorNumber != 0; }
-int DbConnection::ErrorNumber() const { return h_ ? h_->errorNumber : 0; }
-std::string DbConnection::ErrorText() const { return h_ ? h_->errorText : std::string(); }
+bool DbConnection::HasError() const {
+  return h_ && h_->errorNumber != 0;
+}
+int DbConnection::ErrorNumber() const {
+  return h_ ? h_->errorNumber : 0;
+}
+std::string DbConnection::ErrorText() const {
+  return h_ ? h_->errorText : std::string();
+}
 
 void DbConnection::ClearError() {
   if (h_) h_->SetError(0, {});
 }
 
-std::int64_t DbConnection::LastInsertID() const { return IsOpen() ? sqlite3_last_insert_rowid(h_->db) : 0; }
+std::int64_t DbConnection::LastInsertID() const {
+  return IsOpen() ? sqlite3_last_insert_rowid(h_->db) : 0;
+}
 
-int DbConnection::Changes() const { return IsOpen() ? sqlite3_changes(h_->db) : 0; }
+int DbConnection::Changes() const {
+  return IsOpen() ? sqlite3_changes(h_->db) : 0;
+}
 
 std::string SqlText(std::string_view value) {
   std::string out;

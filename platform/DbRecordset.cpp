@@ -127,10 +127,13 @@ UpdateTarget FindUpdateTarget(sqlite3* db, sqlite3_stmt* s) {
 
 }  // namespace
 
-const std::string& DbField::Name()
- const { return rs_->FieldName(column_); }
+const std::string& DbField::Name() const {
+  return rs_->FieldName(column_);
+}
 
-const Value& DbField::Value() const { return rs_->FieldValue(column_); }
+const Value& DbField::Value() const {
+  return rs_->FieldValue(column_);
+}
 
 DbField& DbField::operator=(const qds::Value& v) {
   rs_->Assign(column_, v);
@@ -222,7 +225,9 @@ void DbRecordset::SetAbsolutePosition(int position) {
   pos_ = position - 1;
 }
 
-const std::string& DbRecordset::FieldName(int index) const { return fields_[CheckFieldIndex(index)].name; }
+const std::string& DbRecordset::FieldName(int index) const {
+  return fields_[CheckFieldIndex(index)].name;
+}
 
 int DbRecordset::FieldIndex(std::string_view name) const {
   for (int i = 0; i < FieldCount(); ++i) {
@@ -249,15 +254,25 @@ int DbRecordset::CurrentRow() const {
   return pos_;
 }
 
-DbField DbRecordset::Fields(std::string_view name) { return DbField(this, CheckField(name)); }
+DbField DbRecordset::Fields(std::string_view name) {
+  return DbField(this, CheckField(name));
+}
 
-DbField DbRecordset::Fields(int index) { return DbField(this, CheckFieldIndex(index)); }
+DbField DbRecordset::Fields(int index) {
+  return DbField(this, CheckFieldIndex(index));
+}
 
-const Value& DbRecordset::FieldValue(std::string_view name) const { return FieldValue(CheckField(name)); }
+const Value& DbRecordset::FieldValue(std::string_view name) const {
+  return FieldValue(CheckField(name));
+}
 
-const Value& DbRecordset::FieldValue(int index) const { return rows_[CurrentRow()][CheckFieldIndex(index)]; }
+const Value& DbRecordset::FieldValue(int index) const {
+  return rows_[CurrentRow()][CheckFieldIndex(index)];
+}
 
-bool DbRecordset::Updatable() const { return local_ || (!table_.empty() && h_ && h_->db); }
+bool DbRecordset::Updatable() const {
+  return local_ || (!table_.empty() && h_ && h_->db);
+}
 
 void DbRecordset::Assign(int column, const Value& v) {
   const int row = CurrentRow();
@@ -337,11 +352,12 @@ void DbRecordset::Insert() {
     marks += "?";
     written.push_back(i);
   }
-  const std::string sql = written.empty() ? "INSERT INTO " + QuoteId(table_) + " DEFAULT VALUES"
-                                          : "INSERT INTO " + QuoteId(table_) + " (" + cols + ") VALUES (" +
-                                                marks + ")";
+  const std::string sql = written.empty()
+                              ? "INSERT INTO " + QuoteId(table_) + " DEFAULT VALUES"
+                              : "INSERT INTO " + QuoteId(table_) + " (" + cols + ") VALUES (" + marks + ")";
   detail::Statement s = detail::PrepareSingle(*h_, sql, source);
-  for (std::size_t k = 0; k < written.size(); ++k) Bind(*h_, s.get(), static_cast<int>(k) + 1, rows_[editRow_][written[k]]);
+  for (std::size_t k = 0; k < written.size(); ++k)
+    Bind(*h_, s.get(), static_cast<int>(k) + 1, rows_[editRow_][written[k]]);
   detail::StepToEnd(*h_, s.get(), source);
   const std::int64_t rowid = sqlite3_last_insert_rowid(h_->db);
   rowids_[editRow_] = rowid;
@@ -387,7 +403,8 @@ void DbRecordset::Reread(std::int64_t rowid) {
       detail::PrepareSingle(*h_, "SELECT " + cols + " FROM " + QuoteId(table_) + " WHERE _rowid_=?", source);
   sqlite3_bind_int64(s.get(), 1, rowid);
   if (sqlite3_step(s.get()) == SQLITE_ROW) {
-    for (std::size_t k = 0; k < read.size(); ++k) rows_[editRow_][read[k]] = ColumnValue(s.get(), static_cast<int>(k));
+    for (std::size_t k = 0; k < read.size(); ++k)
+      rows_[editRow_][read[k]] = ColumnValue(s.get(), static_cast<int>(k));
   }
 }
 

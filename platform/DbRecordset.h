@@ -112,7 +112,7 @@ class DbRecordset {
   std::vector<std::vector<Value>> rows_;
   std::vector<std::int64_t> rowids_;  // per row, when the recordset can write
   int pos_ = 0;
-  std::string table_;  // the table written by Update; empty when read-only
+  std::string table_;   // the table written by Update; empty when read-only
   int keyColumn_ = -1;  // the table's integer key among the fields
   bool local_ = false;
   int editRow_ = -1;

@@ -41,7 +41,9 @@ ErrorReporter& Reporter() {
 }
 }  // namespace
 
-void SetErrorReporter(ErrorReporter reporter) { Reporter() = std::move(reporter); }
+void SetErrorReporter(ErrorReporter reporter) {
+  Reporter() = std::move(reporter);
+}
 
 void ReportError(const AppError& e) {
   const std::string message = FormatErrorMessage(e);

@@ -85,7 +85,8 @@ Bytes ReadAllBytes(const std::string& path) {
   const Fd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (fd.get() < 0) RaiseErrno(errno, "Cannot read", path, "ReadAllBytes");
   struct stat st {};
-  if (::fstat(fd.get(), &st) == 0 && S_ISDIR(st.st_mode)) RaiseErrno(EISDIR, "Cannot read", path, "ReadAllBytes");
+  if (::fstat(fd.get(), &st) == 0 && S_ISDIR(st.st_mode))
+    RaiseErrno(EISDIR, "Cannot read", path, "ReadAllBytes");
   Bytes out;
   if (st.st_size > 0) out.reserve(static_cast<std::size_t>(st.st_size));
   std::uint8_t chunk[64 * 1024];
@@ -99,7 +100,9 @@ Bytes ReadAllBytes(const std::string& path) {
   return out;
 }
 
-std::string ReadAllText(const std::string& path) { return ToString(ReadAllBytes(path)); }
+std::string ReadAllText(const std::string& path) {
+  return ToString(ReadAllBytes(path));
+}
 
 void WriteAllBytes(const std::string& path, const Bytes& data) {
   std::string temp = FolderOf(path) + "." + FileNameOf(path) + ".XXXXXX";
@@ -125,7 +128,9 @@ void WriteAllBytes(const std::string& path, const Bytes& data) {
   if (::rename(temp.c_str(), path.c_str()) != 0) fail(errno);
 }
 
-void WriteUtf8Text(const std::string& path, std::string_view text) { WriteAllBytes(path, ToBytes(text)); }
+void WriteUtf8Text(const std::string& path, std::string_view text) {
+  WriteAllBytes(path, ToBytes(text));
+}
 
 std::vector<std::string> ListFolder(const std::string& folder, std::string_view patterns) {
   std::vector<std::string> wanted;

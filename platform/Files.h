@@ -44,8 +44,8 @@ std::string ExecutableFolder();
 
 std::string WithTrailingSlash(std::string path);
 std::string JoinPath(std::string_view folder, std::string_view name);
-std::string FileNameOf(std::string_view path);   // "a/b.svg" -> "b.svg"
-std::string BaseNameOf(std::string_view path);   // "a/b.svg" -> "b"
-std::string FolderOf(std::string_view path);     // "a/b.svg" -> "a/"
+std::string FileNameOf(std::string_view path);  // "a/b.svg" -> "b.svg"
+std::string BaseNameOf(std::string_view path);  // "a/b.svg" -> "b"
+std::string FolderOf(std::string_view path);    // "a/b.svg" -> "a/"
 
 }  // namespace qds

@@ -45,13 +45,15 @@ IniFile IniFile::FromText(std::string_view text) {
     if (line.empty() || line.front() == ';' || line.front() == '#') continue;
     if (line.front() == '[') {
       const std::size_t close = line.find(']');
-      section = std::string(line.substr(1, close == std::string_view::npos ? std::string_view::npos : close - 1));
+      section =
+          std::string(line.substr(1, close == std::string_view::npos ? std::string_view::npos : close - 1));
       continue;
     }
     const std::size_t eq = line.find('=');
     if (eq == std::string_view::npos) continue;
     std::string_view value = Trim(line.substr(eq + 1));
-    if (value.size() >= 2 && value.front() == '"' && value.back() == '"') value = value.substr(1, value.size() - 2);
+    if (value.size() >= 2 && value.front() == '"' && value.back() == '"')
+      value = value.substr(1, value.size() - 2);
     // The first of two equal keys counts, as with the system's own reader.
     ini.values_.emplace(Key(section, line.substr(0, eq)), std::string(value));
   }

@@ -34,7 +34,9 @@ bool TooDeep(std::string_view text) {
   return false;
 }
 
-bool IsWhole(double d) { return std::isfinite(d) && std::trunc(d) == d && std::fabs(d) < 9007199254740992.0; }
+bool IsWhole(double d) {
+  return std::isfinite(d) && std::trunc(d) == d && std::fabs(d) < 9007199254740992.0;
+}
 
 // Turns every whole-valued double into an integer so that it is written
 // without a point.
@@ -96,9 +98,13 @@ const JsonBag::Json* JsonBag::Find(std::string_view key) const {
   return it == j_.end() ? nullptr : &*it;
 }
 
-bool JsonBag::Has(std::string_view key) const { return Find(key) != nullptr; }
+bool JsonBag::Has(std::string_view key) const {
+  return Find(key) != nullptr;
+}
 
-void JsonBag::Remove(std::string_view key) { j_.erase(std::string(key)); }
+void JsonBag::Remove(std::string_view key) {
+  j_.erase(std::string(key));
+}
 
 std::vector<std::string> JsonBag::Keys() const {
   std::vector<std::string> keys;
@@ -158,12 +164,20 @@ void JsonBag::Set(std::string_view key, double v) {
   }
 }
 
-void JsonBag::Set(std::string_view key, long long v) { j_[std::string(key)] = static_cast<std::int64_t>(v); }
+void JsonBag::Set(std::string_view key, long long v) {
+  j_[std::string(key)] = static_cast<std::int64_t>(v);
+}
 
-void JsonBag::Set(std::string_view key, bool v) { j_[std::string(key)] = v; }
+void JsonBag::Set(std::string_view key, bool v) {
+  j_[std::string(key)] = v;
+}
 
-void JsonBag::Set(std::string_view key, const std::string& v) { j_[std::string(key)] = v; }
+void JsonBag::Set(std::string_view key, const std::string& v) {
+  j_[std::string(key)] = v;
+}
 
-void JsonBag::Set(std::string_view key, const JsonBag& v) { j_[std::string(key)] = v.j_; }
+void JsonBag::Set(std::string_view key, const JsonBag& v) {
+  j_[std::string(key)] = v.j_;
+}
 
 }  // namespace qds

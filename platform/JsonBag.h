@@ -45,8 +45,8 @@ class JsonBag {
   JsonBag GetObject(std::string_view key) const;  // empty when absent or no object
 
   void Set(std::string_view key, double v);
-  void Set(std::string_view key, int v) { Set(key, static_cast<std::int64_t>(v)); }
-  void Set(std::string_view key, long v) { Set(key, static_cast<std::int64_t>(v)); }
+  void Set(std::string_view key, int v) { Set(key, static_cast<long long>(v)); }
+  void Set(std::string_view key, long v) { Set(key, static_cast<long long>(v)); }
   void Set(std::string_view key, long long v);
   void Set(std::string_view key, bool v);
   void Set(std::string_view key, const char* v) { Set(key, std::string(v)); }

@@ -61,8 +61,7 @@ class Value {
   bool operator==(const Value& other) const;
 
  private:
-  std::variant<std::monostate, bool, std::int64_t, double, std::string, qds::Bytes, CollectionPtr>
-      v_;
+  std::variant<std::monostate, bool, std::int64_t, double, std::string, qds::Bytes, CollectionPtr> v_;
 };
 
 // Shortest text that reads back as the same double; whole values have no point.

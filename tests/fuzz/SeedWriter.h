@@ -17,8 +17,8 @@ inline void WriteSeedsToCorpus(int argc, char** argv) {
   }
 }
 
-#define QDS_FUZZ_INITIALIZE                                        \
-  extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {   \
-    WriteSeedsToCorpus(*argc, *argv);                              \
-    return 0;                                                      \
+#define QDS_FUZZ_INITIALIZE                                      \
+  extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) { \
+    WriteSeedsToCorpus(*argc, *argv);                            \
+    return 0;                                                    \
   }

@@ -13,7 +13,9 @@ int main(int argc, char** argv) {
   const std::vector<qds::Bytes> seeds = FuzzSeeds();
   for (const auto& s : seeds) LLVMFuzzerTestOneInput(s.data(), s.size());
   std::mt19937 rng(12345);
-  const auto pick = [&](std::size_t n) { return n == 0 ? 0 : std::uniform_int_distribution<std::size_t>(0, n - 1)(rng); };
+  const auto pick = [&](std::size_t n) {
+    return n == 0 ? 0 : std::uniform_int_distribution<std::size_t>(0, n - 1)(rng);
+  };
   for (long i = 0; i < iterations; ++i) {
     qds::Bytes b = seeds.empty() ? qds::Bytes() : seeds[pick(seeds.size())];
     const int edits = 1 + static_cast<int>(pick(4));
@@ -35,7 +37,8 @@ int main(int argc, char** argv) {
           if (!seeds.empty()) {
             const auto& o = seeds[pick(seeds.size())];
             const std::size_t from = pick(o.size() + 1);
-            b.insert(b.begin() + static_cast<long>(pick(b.size() + 1)), o.begin() + static_cast<long>(from), o.end());
+            b.insert(b.begin() + static_cast<long>(pick(b.size() + 1)), o.begin() + static_cast<long>(from),
+                     o.end());
           }
           break;
         default:  // drop a byte

@@ -9,8 +9,9 @@
 #include "tests/fuzz/SeedWriter.h"
 
 std::vector<qds::Bytes> FuzzSeeds() {
-  return {qds::ToBytes(R"({"Pos":5,"Distance":4,"Zoom":1.5,"Name":"It's","On":true,"Sub":{"A":[1,2.0,"x"]}})"),
-          qds::ToBytes(R"({})"), qds::ToBytes(R"([1,2,3])"), qds::ToBytes(R"({"a":"\u00e9\ud83d\ude00"})")};
+  return {
+      qds::ToBytes(R"({"Pos":5,"Distance":4,"Zoom":1.5,"Name":"It's","On":true,"Sub":{"A":[1,2.0,"x"]}})"),
+      qds::ToBytes(R"({})"), qds::ToBytes(R"([1,2,3])"), qds::ToBytes(R"({"a":"\u00e9\ud83d\ude00"})")};
 }
 
 QDS_FUZZ_INITIALIZE

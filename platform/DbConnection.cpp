@@ -5,6 +5,7 @@
 #include "platform/DbHandle.h"
 #include "platform/DbRecordset.h"
 #include "platform/Error.h"
+#include "platform/TextUtil.h"
 
 namespace qds {
 
@@ -149,7 +150,7 @@ bool Keyword(std::string_view s, std::size_t& i, std::string_view word) {
   while (k < s.size() && std::isspace(static_cast<unsigned char>(s[k]))) ++k;
   if (s.size() - k < word.size()) return false;
   for (std::size_t j = 0; j < word.size(); ++j) {
-    if (std::tolower(static_cast<unsigned char>(s[k + j])) != word[j]) return false;
+    if (AsciiLower(s[k + j]) != word[j]) return false;
   }
   k += word.size();
   if (k < s.size() && !std::isspace(static_cast<unsigned char>(s[k]))) return false;

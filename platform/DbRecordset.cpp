@@ -7,6 +7,7 @@
 #include "platform/DbConnection.h"
 #include "platform/DbHandle.h"
 #include "platform/Error.h"
+#include "platform/TextUtil.h"
 
 namespace qds {
 
@@ -16,16 +17,6 @@ constexpr int kNoCurrentRecord = 3021;
 constexpr const char* kHiddenRowid = "__qds_rowid__";
 constexpr char kMagic[] = "QRS";
 constexpr std::uint8_t kVersion = 1;
-
-bool SameNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i]))) {
-      return false;
-    }
-  }
-  return true;
-}
 
 std::string QuoteId(std::string_view id) {
   std::string out = "\"";
@@ -100,7 +91,7 @@ bool IsIntegerKey(sqlite3* db, const char* database, const char* table, const ch
   return column &&
          sqlite3_table_column_metadata(db, database, table, column, &declType, nullptr, nullptr, &primaryKey,
                                        nullptr) == SQLITE_OK &&
-         primaryKey && declType && SameNoCase(declType, "INTEGER");
+         primaryKey && declType && EqualsNoCase(declType, "INTEGER");
 }
 
 UpdateTarget FindUpdateTarget(sqlite3* db, sqlite3_stmt* s) {
@@ -231,7 +222,7 @@ const std::string& DbRecordset::FieldName(int index) const {
 
 int DbRecordset::FieldIndex(std::string_view name) const {
   for (int i = 0; i < FieldCount(); ++i) {
-    if (SameNoCase(fields_[i].name, name)) return i;
+    if (EqualsNoCase(fields_[i].name, name)) return i;
   }
   return -1;
 }

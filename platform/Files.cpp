@@ -14,6 +14,7 @@
 #include <fstream>
 
 #include "platform/Error.h"
+#include "platform/TextUtil.h"
 
 namespace qds {
 
@@ -45,20 +46,6 @@ class Fd {
  private:
   int fd_;
 };
-
-std::string Lower(std::string_view s) {
-  std::string out(s);
-  for (char& c : out) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return out;
-}
-
-std::string_view TrimBlanks(std::string_view s) {
-  while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
-  while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
-  return s;
-}
 
 }  // namespace
 
@@ -157,7 +144,7 @@ std::vector<std::string> ListFolder(const std::string& folder, std::string_view 
   }
   ::closedir(dir);
   std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
-    const std::string la = Lower(a), lb = Lower(b);
+    const std::string la = AsciiLower(a), lb = AsciiLower(b);
     return la != lb ? la < lb : a < b;
   });
   return names;

@@ -2,25 +2,14 @@
 
 #include "platform/Bytes.h"
 #include "platform/Files.h"
+#include "platform/TextUtil.h"
 
 namespace qds {
 
 namespace {
 
-std::string_view Trim(std::string_view s) {
-  while (!s.empty() && (s.front() == ' ' || s.front() == '\t' || s.front() == '\r')) s.remove_prefix(1);
-  while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\r')) s.remove_suffix(1);
-  return s;
-}
-
 std::string Key(std::string_view section, std::string_view key) {
-  std::string out(Trim(section));
-  out += '\n';
-  out += Trim(key);
-  for (char& c : out) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return out;
+  return AsciiLower(TrimBlanks(section)) + '\n' + AsciiLower(TrimBlanks(key));
 }
 
 }  // namespace
@@ -40,7 +29,7 @@ IniFile IniFile::FromText(std::string_view text) {
   std::string section;
   while (!text.empty()) {
     const std::size_t eol = text.find('\n');
-    std::string_view line = Trim(text.substr(0, eol));
+    std::string_view line = TrimBlanks(text.substr(0, eol));
     text = eol == std::string_view::npos ? std::string_view() : text.substr(eol + 1);
     if (line.empty() || line.front() == ';' || line.front() == '#') continue;
     if (line.front() == '[') {
@@ -51,7 +40,7 @@ IniFile IniFile::FromText(std::string_view text) {
     }
     const std::size_t eq = line.find('=');
     if (eq == std::string_view::npos) continue;
-    std::string_view value = Trim(line.substr(eq + 1));
+    std::string_view value = TrimBlanks(line.substr(eq + 1));
     if (value.size() >= 2 && value.front() == '"' && value.back() == '"')
       value = value.substr(1, value.size() - 2);
     // The first of two equal keys counts, as with the system's own reader.

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "platform/Error.h"
+#include "platform/TextUtil.h"
 
 namespace qds {
 
@@ -89,13 +90,7 @@ class KeyedCollection {
 
  private:
   std::string Fold(std::string_view key) const {
-    std::string out(key);
-    if (compare_ == KeyCompare::Text) {
-      for (char& c : out) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-      }
-    }
-    return out;
+    return compare_ == KeyCompare::Text ? AsciiLower(key) : std::string(key);
   }
 
   // The key index maps a folded key to its first position. Appends keep it

@@ -6,6 +6,7 @@
 
 #include "platform/Error.h"
 #include "platform/KeyedCollection.h"
+#include "platform/TextUtil.h"
 
 namespace qds {
 
@@ -15,29 +16,12 @@ namespace {
   Raise(ErrNo::TypeMismatch, "Type mismatch: " + what, "Value");
 }
 
-std::string_view Trim(std::string_view s) {
-  while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
-  while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) s.remove_suffix(1);
-  return s;
-}
-
 bool ParseDouble(std::string_view s, double& out) {
-  s = Trim(s);
+  s = TrimBlanks(s);
   if (s.empty()) return false;
   if (s.front() == '+') s.remove_prefix(1);
   const auto [end, ec] = std::from_chars(s.data(), s.data() + s.size(), out);
   return ec == std::errc() && end == s.data() + s.size() && std::isfinite(out);
-}
-
-bool EqualsNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    char x = a[i], y = b[i];
-    if (x >= 'A' && x <= 'Z') x = static_cast<char>(x - 'A' + 'a');
-    if (y >= 'A' && y <= 'Z') y = static_cast<char>(y - 'A' + 'a');
-    if (x != y) return false;
-  }
-  return true;
 }
 
 }  // namespace
@@ -70,7 +54,7 @@ std::int64_t Value::AsLong() const {
     case Kind::Double:
       return RoundHalfEven(std::get<double>(v_));
     case Kind::String: {
-      const std::string_view s = Trim(std::get<std::string>(v_));
+      const std::string_view s = TrimBlanks(std::get<std::string>(v_));
       std::int64_t n = 0;
       const auto [end, ec] = std::from_chars(s.data(), s.data() + s.size(), n);
       if (ec == std::errc() && end == s.data() + s.size() && !s.empty()) return n;

@@ -3,6 +3,7 @@
 #include "platform/DbConnection.h"
 #include "platform/DbRecordset.h"
 #include "platform/Error.h"
+#include "tests/support/ErrorOf.h"
 #include "tests/support/TempDir.h"
 
 using namespace qds;
@@ -27,15 +28,6 @@ int AddImage(DbConnection& cnn, const std::string& name) {
   rs.Fields("Styles_ID") = 1;
   rs.Update();
   return static_cast<int>(rs.Fields("ID").AsLong());
-}
-
-int ErrorOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const AppError& e) {
-    return e.Number();
-  }
-  return 0;
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "platform/Collection.h"
 #include "platform/Error.h"
+#include "tests/support/ErrorOf.h"
 
 using namespace qds;
 
@@ -13,15 +14,6 @@ std::string Order(const Collection& c) {
   std::string out;
   for (const auto& e : c) out += e.Item.AsString();
   return out;
-}
-
-int ErrorOf(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const AppError& e) {
-    return e.Number();
-  }
-  return 0;
 }
 
 }  // namespace

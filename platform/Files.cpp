@@ -143,10 +143,7 @@ std::vector<std::string> ListFolder(const std::string& folder, std::string_view 
     }
   }
   ::closedir(dir);
-  std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
-    const std::string la = AsciiLower(a), lb = AsciiLower(b);
-    return la != lb ? la < lb : a < b;
-  });
+  std::sort(names.begin(), names.end(), LessNoCase);
   return names;
 }
 

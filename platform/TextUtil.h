@@ -26,6 +26,13 @@ inline bool EqualsNoCase(std::string_view a, std::string_view b) {
   return true;
 }
 
+// Orders names the way people read lists: without regard to case, then
+// by bytes so that the order is total.
+inline bool LessNoCase(const std::string& a, const std::string& b) {
+  const std::string la = AsciiLower(a), lb = AsciiLower(b);
+  return la != lb ? la < lb : a < b;
+}
+
 // Without surrounding blanks, tabs and carriage returns.
 inline std::string_view TrimBlanks(std::string_view s) {
   const auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\r'; };

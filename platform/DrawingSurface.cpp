@@ -1,0 +1,326 @@
+#include "platform/DrawingSurface.h"
+
+#include <cairo-svg.h>
+#include <cairo.h>
+#include <jpeglib.h>
+
+#include <algorithm>
+#include <cmath>
+#include <csetjmp>
+#include <cstring>
+#include <vector>
+
+#include "platform/Error.h"
+#include "platform/Files.h"
+
+namespace qds {
+
+struct DrawingSurface::SvgSink {
+  qds::Bytes data;
+  bool finished = false;
+};
+
+namespace {
+
+cairo_status_t AppendToBytes(void* closure, const unsigned char* data, unsigned int length) {
+  auto* out = static_cast<qds::Bytes*>(closure);
+  out->insert(out->end(), data, data + length);
+  return CAIRO_STATUS_SUCCESS;
+}
+
+struct PngReader {
+  const qds::Bytes* bytes;
+  std::size_t pos = 0;
+};
+
+cairo_status_t ReadFromBytes(void* closure, unsigned char* data, unsigned int length) {
+  auto* r = static_cast<PngReader*>(closure);
+  if (length > r->bytes->size() - r->pos) return CAIRO_STATUS_READ_ERROR;
+  std::memcpy(data, r->bytes->data() + r->pos, length);
+  r->pos += length;
+  return CAIRO_STATUS_SUCCESS;
+}
+
+// libjpeg reports errors through a callback that must not return; it jumps
+// back to the one place below that set up the jump, where nothing with a
+// destructor is alive.
+struct JpegError {
+  jpeg_error_mgr mgr;
+  std::jmp_buf jump;
+  char message[JMSG_LENGTH_MAX];
+};
+
+void JpegErrorExit(j_common_ptr cinfo) {
+  auto* err = reinterpret_cast<JpegError*>(cinfo->err);
+  (*cinfo->err->format_message)(cinfo, err->message);
+  std::longjmp(err->jump, 1);
+}
+
+// Returns false with the library's message on failure.
+bool EncodeJpeg(const std::uint8_t* pixels, int width, int height, int stride, int quality,
+                unsigned char** out, unsigned long* outSize, char* message) {
+  jpeg_compress_struct cinfo;
+  JpegError err;
+  cinfo.err = jpeg_std_error(&err.mgr);
+  err.mgr.error_exit = JpegErrorExit;
+  if (setjmp(err.jump)) {
+    std::strcpy(message, err.message);
+    jpeg_destroy_compress(&cinfo);
+    return false;
+  }
+  jpeg_create_compress(&cinfo);
+  jpeg_mem_dest(&cinfo, out, outSize);
+  cinfo.image_width = static_cast<JDIMENSION>(width);
+  cinfo.image_height = static_cast<JDIMENSION>(height);
+  cinfo.input_components = 4;
+  cinfo.in_color_space = JCS_EXT_BGRX;  // cairo's little-endian ARGB32, alpha ignored
+  jpeg_set_defaults(&cinfo);
+  jpeg_set_quality(&cinfo, quality, TRUE);
+  jpeg_start_compress(&cinfo, TRUE);
+  while (cinfo.next_scanline < cinfo.image_height) {
+    JSAMPROW row = const_cast<JSAMPROW>(pixels + static_cast<std::size_t>(cinfo.next_scanline) * stride);
+    jpeg_write_scanlines(&cinfo, &row, 1);
+  }
+  jpeg_finish_compress(&cinfo);
+  jpeg_destroy_compress(&cinfo);
+  return true;
+}
+
+void PutU16(qds::Bytes& b, std::uint32_t v) {
+  b.push_back(static_cast<std::uint8_t>(v));
+  b.push_back(static_cast<std::uint8_t>(v >> 8));
+}
+void PutU32(qds::Bytes& b, std::uint32_t v) {
+  PutU16(b, v & 0xFFFF);
+  PutU16(b, v >> 16);
+}
+
+// One box pass along a line of `n` samples `step` apart: each output is the
+// mean of the 2h+1 inputs around it, with zeros beyond the ends. Kept in
+// floating point between passes, so that the horizontal and vertical passes
+// commute and the blur of a symmetric picture stays symmetric.
+void BoxLine(const float* in, float* out, int n, int step, int h, std::vector<double>& sums) {
+  const double scale = 1.0 / (2 * h + 1);
+  sums.assign(static_cast<std::size_t>(n) + 1, 0);
+  for (int i = 0; i < n; ++i) sums[i + 1] = sums[i] + in[static_cast<std::size_t>(i) * step];
+  for (int i = 0; i < n; ++i) {
+    const int lo = std::max(0, i - h), hi = std::min(n, i + h + 1);
+    out[static_cast<std::size_t>(i) * step] = static_cast<float>((sums[hi] - sums[lo]) * scale);
+  }
+}
+
+}  // namespace
+
+PixelView::PixelView(cairo_surface_t* s)
+    : s_(s),
+      data_(cairo_image_surface_get_data(s)),
+      width_(cairo_image_surface_get_width(s)),
+      height_(cairo_image_surface_get_height(s)),
+      stride_(cairo_image_surface_get_stride(s)) {}
+
+PixelView::~PixelView() {
+  cairo_surface_mark_dirty(s_);
+}
+
+DrawingSurface::DrawingSurface(cairo_surface_t* s, int width, int height, SurfaceKind kind)
+    : s_(s), width_(width), height_(height), kind_(kind) {}
+
+DrawingSurface::~DrawingSurface() {
+  cairo_surface_destroy(s_);
+}
+
+SurfacePtr DrawingSurface::Create(int width, int height, SurfaceKind kind) {
+  width = std::max(1, width);
+  height = std::max(1, height);
+  if (kind == SurfaceKind::Svg) {
+    auto sink = std::make_unique<SvgSink>();
+    cairo_surface_t* s = cairo_svg_surface_create_for_stream(AppendToBytes, &sink->data, width, height);
+    cairo_svg_surface_set_document_unit(s, CAIRO_SVG_UNIT_PT);
+    SurfacePtr surface(new DrawingSurface(s, width, height, kind));
+    surface->svg_ = std::move(sink);
+    return surface;
+  }
+  cairo_surface_t* s = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
+  if (cairo_surface_status(s) != CAIRO_STATUS_SUCCESS) {
+    cairo_surface_destroy(s);
+    Raise(ErrNo::OutOfMemory,
+          "Cannot make a picture of " + std::to_string(width) + " x " + std::to_string(height) + " pixels",
+          "DrawingSurface");
+  }
+  return SurfacePtr(new DrawingSurface(s, width, height, kind));
+}
+
+SurfacePtr DrawingSurface::FromPngBytes(const qds::Bytes& png) {
+  PngReader reader{&png};
+  cairo_surface_t* s = cairo_image_surface_create_from_png_stream(ReadFromBytes, &reader);
+  if (cairo_surface_status(s) != CAIRO_STATUS_SUCCESS) {
+    const std::string why = cairo_status_to_string(cairo_surface_status(s));
+    cairo_surface_destroy(s);
+    Raise(ErrNo::InvalidData, "The picture is not a readable PNG: " + why, "DrawingSurface.FromPngBytes");
+  }
+  const int w = cairo_image_surface_get_width(s), h = cairo_image_surface_get_height(s);
+  if (cairo_image_surface_get_format(s) == CAIRO_FORMAT_ARGB32)
+    return SurfacePtr(new DrawingSurface(s, w, h, SurfaceKind::Image));
+  // Opaque and grey PNGs come back in other formats; every image surface of
+  // ours is ARGB32 so that pixel views read the same everywhere.
+  SurfacePtr out = Create(w, h);
+  cairo_t* cr = cairo_create(out->s_);
+  cairo_set_source_surface(cr, s, 0, 0);
+  cairo_paint(cr);
+  cairo_destroy(cr);
+  cairo_surface_destroy(s);
+  return out;
+}
+
+SurfacePtr DrawingSurface::FromPngFile(const std::string& path) {
+  return FromPngBytes(ReadAllBytes(path));
+}
+
+SurfacePtr DrawingSurface::CreateSimilar(int width, int height) const {
+  width = std::max(1, width);
+  height = std::max(1, height);
+  if (kind_ == SurfaceKind::Image) return Create(width, height);
+  cairo_surface_t* s = cairo_surface_create_similar(s_, CAIRO_CONTENT_COLOR_ALPHA, width, height);
+  return SurfacePtr(new DrawingSurface(s, width, height, SurfaceKind::Svg));
+}
+
+void DrawingSurface::RequireImage(const char* operation) const {
+  if (kind_ != SurfaceKind::Image) {
+    Raise(ErrNo::InvalidArgument, std::string(operation) + " needs a pixel surface", "DrawingSurface");
+  }
+}
+
+PixelView DrawingSurface::Pixels() {
+  RequireImage("A pixel view");
+  cairo_surface_flush(s_);
+  return PixelView(s_);
+}
+
+qds::Bytes DrawingSurface::ToPngBytes() const {
+  RequireImage("PNG encoding");
+  qds::Bytes out;
+  cairo_surface_flush(s_);
+  if (cairo_surface_write_to_png_stream(s_, AppendToBytes, &out) != CAIRO_STATUS_SUCCESS) {
+    Raise(ErrNo::OutOfMemory, "The picture could not be encoded as PNG", "DrawingSurface.ToPngBytes");
+  }
+  return out;
+}
+
+void DrawingSurface::WritePng(const std::string& path) const {
+  WriteAllBytes(path, ToPngBytes());
+}
+
+qds::Bytes DrawingSurface::ToJpegBytes(int quality) const {
+  RequireImage("JPEG encoding");
+  cairo_surface_flush(s_);
+  unsigned char* buffer = nullptr;
+  unsigned long size = 0;
+  char message[JMSG_LENGTH_MAX] = {};
+  const bool ok =
+      EncodeJpeg(cairo_image_surface_get_data(s_), width_, height_, cairo_image_surface_get_stride(s_),
+                 std::clamp(quality, 10, 100), &buffer, &size, message);
+  qds::Bytes out;
+  if (ok) out.assign(buffer, buffer + size);
+  std::free(buffer);
+  if (!ok)
+    Raise(ErrNo::InvalidData, std::string("JPEG encoding failed: ") + message, "DrawingSurface.ToJpegBytes");
+  return out;
+}
+
+void DrawingSurface::WriteJpeg(const std::string& path, int quality) const {
+  WriteAllBytes(path, ToJpegBytes(quality));
+}
+
+qds::Bytes DrawingSurface::ToBmpBytes() const {
+  RequireImage("BMP encoding");
+  cairo_surface_flush(s_);
+  const std::uint32_t rowBytes = (static_cast<std::uint32_t>(width_) * 3 + 3) & ~3u;
+  const std::uint32_t imageBytes = rowBytes * static_cast<std::uint32_t>(height_);
+  qds::Bytes b;
+  b.reserve(54 + imageBytes);
+  // BITMAPFILEHEADER
+  b.push_back('B');
+  b.push_back('M');
+  PutU32(b, 54 + imageBytes);
+  PutU32(b, 0);
+  PutU32(b, 54);
+  // BITMAPINFOHEADER: positive height means rows stored bottom-up.
+  PutU32(b, 40);
+  PutU32(b, static_cast<std::uint32_t>(width_));
+  PutU32(b, static_cast<std::uint32_t>(height_));
+  PutU16(b, 1);   // planes
+  PutU16(b, 24);  // bits per pixel
+  PutU32(b, 0);   // no compression
+  PutU32(b, imageBytes);
+  PutU32(b, 3780);  // 96 dpi in pixels per metre
+  PutU32(b, 3780);
+  PutU32(b, 0);
+  PutU32(b, 0);
+  const std::uint8_t* data = cairo_image_surface_get_data(s_);
+  const int stride = cairo_image_surface_get_stride(s_);
+  for (int y = height_ - 1; y >= 0; --y) {
+    const std::uint8_t* row = data + static_cast<std::size_t>(y) * stride;
+    for (int x = 0; x < width_; ++x) {
+      b.push_back(row[4 * x]);
+      b.push_back(row[4 * x + 1]);
+      b.push_back(row[4 * x + 2]);
+    }
+    for (std::uint32_t pad = static_cast<std::uint32_t>(width_) * 3; pad < rowBytes; ++pad) b.push_back(0);
+  }
+  return b;
+}
+
+void DrawingSurface::WriteBmp(const std::string& path) const {
+  WriteAllBytes(path, ToBmpBytes());
+}
+
+std::pair<SurfacePtr, int> DrawingSurface::Blur(double radius) const {
+  RequireImage("Blur");
+  cairo_surface_flush(s_);
+  const int h = radius < 0.5 ? 0 : std::max(1, static_cast<int>(std::lround(radius / 3)));
+  const int pad = 3 * h;
+  SurfacePtr out = Create(width_ + 2 * pad, height_ + 2 * pad);
+  cairo_t* cr = cairo_create(out->s_);
+  cairo_set_source_surface(cr, s_, pad, pad);
+  cairo_paint(cr);
+  cairo_destroy(cr);
+  if (h == 0) return {out, 0};
+
+  cairo_surface_flush(out->s_);
+  std::uint8_t* data = cairo_image_surface_get_data(out->s_);
+  const int w = out->width_, ht = out->height_, stride = cairo_image_surface_get_stride(out->s_);
+  const std::size_t count = static_cast<std::size_t>(w) * ht;
+  std::vector<float> plane(count), tmp(count);
+  std::vector<double> sums;
+  for (int c = 0; c < 4; ++c) {
+    for (int y = 0; y < ht; ++y) {
+      for (int x = 0; x < w; ++x) plane[static_cast<std::size_t>(y) * w + x] = data[y * stride + 4 * x + c];
+    }
+    for (int pass = 0; pass < 3; ++pass) {
+      for (int y = 0; y < ht; ++y) {
+        const std::size_t at = static_cast<std::size_t>(y) * w;
+        BoxLine(plane.data() + at, tmp.data() + at, w, 1, h, sums);
+      }
+      for (int x = 0; x < w; ++x) BoxLine(tmp.data() + x, plane.data() + x, ht, w, h, sums);
+    }
+    for (int y = 0; y < ht; ++y) {
+      for (int x = 0; x < w; ++x) {
+        const float v = plane[static_cast<std::size_t>(y) * w + x];
+        data[y * stride + 4 * x + c] = static_cast<std::uint8_t>(std::clamp(std::lround(v), 0L, 255L));
+      }
+    }
+  }
+  cairo_surface_mark_dirty(out->s_);
+  return {out, pad};
+}
+
+qds::Bytes DrawingSurface::SvgDocumentBytes() {
+  if (!svg_) return {};
+  if (!svg_->finished) {
+    cairo_surface_finish(s_);
+    svg_->finished = true;
+  }
+  return svg_->data;
+}
+
+}  // namespace qds

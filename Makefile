@@ -8,7 +8,7 @@ SAN_BUILD  ?= build-asan
 JOBS       ?= $(shell nproc)
 CTEST_ARGS ?= --output-on-failure -j $(JOBS)
 
-.PHONY: run test deps build build-asan test-main test-asan clean
+.PHONY: run test deps build build-asan test-main test-asan bench clean
 
 run: build
 	./$(BUILD)/app/quillaron $(ARGS)
@@ -32,6 +32,11 @@ test-main: build
 
 test-asan: build-asan
 	cd $(SAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest $(CTEST_ARGS)
+
+# Benchmarks are for the record and for the figures of a change; not part of
+# the test command.
+bench: build
+	for b in $(BUILD)/bench/*_bench; do $$b --benchmark_min_time=0.5; done
 
 clean:
 	rm -rf $(BUILD) $(SAN_BUILD)

@@ -259,3 +259,31 @@ TEST(Drawing, MatrixTransformsAndSurfacesDrawnIntoBoxes) {
   ctx.SetLineWidth(3);
   EXPECT_EQ(ctx.LineWidth(), 3);
 }
+
+TEST(Drawing, RepeatingSurfacePatternsTileAndSimilarSurfacesMatchTheirTarget) {
+  // An 8 by 8 tile: white at 0.6, with two squares at 0.3 more.
+  SurfacePtr tile = DrawingSurface::Create(8, 8);
+  {
+    DrawingContext t(tile);
+    t.SetSourceColor(0xFFFFFF, 0.6);
+    t.Paint();
+    t.SetSourceColor(0xFFFFFF, 0.3);
+    t.Rectangle(0, 0, 4, 4);
+    t.Rectangle(4, 4, 4, 4);
+    t.Fill();
+  }
+  Pattern checker = Pattern::ForSurface(tile);
+  checker.SetExtend(Extend::Repeat);
+  SurfacePtr base = tile->CreateSimilar(200, 16);
+  EXPECT_EQ(base->Kind(), SurfaceKind::Image);
+  DrawingContext ctx(base);
+  ctx.SetSource(checker);
+  ctx.Paint();
+  EXPECT_EQ(PixelAt(base, 1, 1), PixelAt(base, 193, 9));  // same place in another tile
+  EXPECT_EQ(PixelAt(base, 5, 1), PixelAt(base, 197, 9));
+  EXPECT_NE(PixelAt(base, 1, 1).a, PixelAt(base, 5, 1).a);  // the two shades alternate
+  EXPECT_TRUE(Near(PixelAt(base, 5, 1), {153, 153, 153, 153}, 1));
+
+  SurfacePtr svg = DrawingSurface::Create(64, 64, SurfaceKind::Svg);
+  EXPECT_EQ(svg->CreateSimilar(10, 10)->Kind(), SurfaceKind::Svg);
+}

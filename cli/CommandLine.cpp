@@ -2,6 +2,10 @@
 
 #include <ostream>
 
+#include "app/AppContext.h"
+#include "app/modStartup.h"
+#include "platform/Files.h"
+
 namespace qds {
 
 namespace {
@@ -11,11 +15,26 @@ void PrintHelp(std::ostream& out) {
       << "\n"
       << "Usage: quillaron [--app-dir DIR] [COMMAND ...]\n"
       << "\n"
+      << "Commands:\n"
+      << "  init            start without a window: open the library, fill it on\n"
+      << "                  the first start, and tell what it holds\n"
+      << "\n"
       << "Options:\n"
       << "  --app-dir DIR   use DIR as the application folder instead of the\n"
       << "                  folder of the executable\n"
       << "  --help          show this help\n"
       << "  --version       show the version\n";
+}
+
+int Init(const CommandLine& cmd, std::ostream& out, std::ostream& err) {
+  ScopedAppContext app(cmd.appDir ? *cmd.appDir : ExecutableFolder());
+  app->ShowMessage = [&err](const std::string& text) { err << text << "\n"; };
+  if (!StartWithoutWindow(*app)) return 1;
+  const auto count = [&](const char* sql) { return app->Cnn.Query(sql).Fields(0).AsLong(); };
+  out << "Library: " << count("Select Count(*) From Images") << " icons, "
+      << count("Select Count(*) From Styles") << " styles, " << count("Select Count(*) From Themes")
+      << " themes\n";
+  return 0;
 }
 
 }  // namespace
@@ -60,6 +79,7 @@ int RunCommand(const CommandLine& cmd, std::ostream& out, std::ostream& err) {
     PrintHelp(out);
     return 0;
   }
+  if (cmd.words.front() == "init") return Init(cmd, out, err);
   err << "quillaron: unknown command \"" << cmd.words.front() << "\"\n";
   PrintHelp(err);
   return 2;

@@ -1,6 +1,7 @@
 #include "platform/DbConnection.h"
 
 #include <cctype>
+#include <cstdio>
 
 #include "platform/DbHandle.h"
 #include "platform/DbRecordset.h"
@@ -61,8 +62,9 @@ DbConnection DbConnection::Open(const std::string& path, const std::string& /*ke
   DbConnection c;
   c.h_ = std::make_shared<detail::DbHandle>();
   c.h_->path = path;
-  const int flags =
-      mode == DbOpenMode::ReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+  const int flags = mode == DbOpenMode::ReadOnly   ? SQLITE_OPEN_READONLY
+                    : mode == DbOpenMode::Existing ? SQLITE_OPEN_READWRITE
+                                                   : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
   sqlite3* db = nullptr;
   const int rc = sqlite3_open_v2(path.c_str(), &db, flags | SQLITE_OPEN_NOMUTEX, nullptr);
   if (rc != SQLITE_OK) {
@@ -80,6 +82,30 @@ DbConnection DbConnection::Open(const std::string& path, const std::string& /*ke
 
 DbConnection DbConnection::OpenMemory() {
   return Open(":memory:");
+}
+
+bool DbConnection::BackupTo(const std::string& path) {
+  if (!IsOpen()) return false;
+  const std::string temp = path + ".part";
+  sqlite3* dest = nullptr;
+  int rc = sqlite3_open_v2(temp.c_str(), &dest, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+  if (rc == SQLITE_OK) {
+    sqlite3_backup* b = sqlite3_backup_init(dest, "main", h_->db, "main");
+    if (b) {
+      sqlite3_backup_step(b, -1);
+      sqlite3_backup_finish(b);
+    }
+    rc = sqlite3_errcode(dest);
+  }
+  const std::string why = dest ? sqlite3_errmsg(dest) : sqlite3_errstr(rc);
+  sqlite3_close_v2(dest);
+  // Renamed only when whole, so a backup file is never a torn one.
+  if (rc != SQLITE_OK || std::rename(temp.c_str(), path.c_str()) != 0) {
+    std::remove(temp.c_str());
+    h_->SetError(rc != SQLITE_OK ? rc : SQLITE_CANTOPEN, "The backup \"" + path + "\" failed: " + why);
+    return false;
+  }
+  return true;
 }
 
 bool DbConnection::IsOpen() const {

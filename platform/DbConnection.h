@@ -23,7 +23,9 @@ namespace detail {
 struct DbHandle;
 }
 
-enum class DbOpenMode { ReadWrite, ReadOnly };
+// ReadWrite creates a missing file; Existing opens for writing but never
+// creates one (a missing file is then the error of the first statement).
+enum class DbOpenMode { ReadWrite, ReadOnly, Existing };
 
 class DbConnection {
  public:
@@ -31,7 +33,7 @@ class DbConnection {
 
   // Never throws: a file that cannot be opened surfaces as the error of the
   // first statement. `key` is for encrypted exchange files; plain database
-  // files ignore it. ReadWrite creates a missing file.
+  // files ignore it.
   static DbConnection Open(const std::string& path, const std::string& key = {},
                            DbOpenMode mode = DbOpenMode::ReadWrite);
   // A private database in memory, for tests and scratch work.
@@ -52,6 +54,10 @@ class DbConnection {
   std::string ErrorText() const;
   void ClearError();
 
+  // A consistent copy of the whole database written to `path` (SQLite's
+  // online backup), replacing any file there. False on failure, with the
+  // error on the connection.
+  bool BackupTo(const std::string& path);
   std::int64_t LastInsertID() const;
   int Changes() const;
 

@@ -1,0 +1,95 @@
+#pragma once
+// Everything that lives for the whole run, by the names the rest of the
+// program uses. App() gives the current context; tests make their own with a
+// private application folder through ScopedAppContext.
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "engine/cSVGItem.h"
+#include "platform/Collection.h"
+#include "platform/DbConnection.h"
+#include "platform/DbRecordset.h"
+#include "platform/DrawingSurface.h"
+#include "platform/ImageList.h"
+#include "platform/KeyedCollection.h"
+#include "platform/SvgRenderer.h"
+
+namespace qds {
+
+class cConfig;
+
+using ItemCollection = KeyedCollection<SVGItemPtr>;
+
+struct AppContext {
+  explicit AppContext(std::string appFolder);
+  ~AppContext();
+  AppContext(const AppContext&) = delete;
+  AppContext& operator=(const AppContext&) = delete;
+
+  // The application folder, without a trailing "/", and paths under it.
+  std::string AppPath;
+  std::string PathOf(const std::string& relative) const { return AppPath + "/" + relative; }
+
+  // Objects and surfaces.
+  std::unique_ptr<qds::SvgRenderer> SvgRenderer;
+  std::unique_ptr<qds::DrawingRoot> DrawingRoot;
+  qds::ImageList& ImageList() { return DrawingRoot->Images(); }
+  DbConnection Cnn;
+  DbConnection CnnResources;
+  std::unique_ptr<cConfig> Config;
+  DbRecordset rsTexts;
+  SurfacePtr WorkSurface512;
+  SurfacePtr WorkSurface256;
+
+  // Keyed collections, in the order they are made.
+  KeyedCollection<SurfacePtr> RenderCache;
+  Collection FillOptions;
+  ItemCollection SelectIcons;
+  ItemCollection IconSelection;
+  ItemCollection OverlayIcons;
+  ItemCollection SpareItems;
+  ItemCollection BaseIcons;
+  ItemCollection OverlayLayers;
+  ItemCollection Layers;
+  ItemCollection ShapeItems;
+  ItemCollection ClipItems;
+
+  // Simple values.
+  int DesignOpacity = 100;
+  bool DesignOpacityOn = false;
+  bool DesignModified = false;
+  bool RemoveClipPath = false;
+  int DummyID = 0;
+  int FilledCircleIndex = -1;
+  std::string DocInfographic, DocManual;
+  std::string LinkHome, LinkTutorials, LinkForum;
+  int WindowLeft = 0, WindowTop = 0, WindowWidth = 0, WindowHeight = 0;
+
+  // What the start-up shows or asks while there may be no window: the
+  // studio puts its message box here, the command line prints.
+  std::function<void(const std::string& text)> ShowMessage;
+  // One turn of the event loop during long work; nothing without a window.
+  std::function<void()> DoEvents;
+};
+
+AppContext& App();
+bool HasApp();
+
+// Makes a context current for its lifetime and restores the previous one.
+class ScopedAppContext {
+ public:
+  explicit ScopedAppContext(std::string appFolder);
+  ~ScopedAppContext();
+  ScopedAppContext(const ScopedAppContext&) = delete;
+  ScopedAppContext& operator=(const ScopedAppContext&) = delete;
+  AppContext& operator*() { return *context_; }
+  AppContext* operator->() { return context_.get(); }
+
+ private:
+  std::unique_ptr<AppContext> context_;
+  AppContext* previous_;
+};
+
+}  // namespace qds

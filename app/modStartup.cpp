@@ -1,0 +1,178 @@
+#include "app/modStartup.h"
+
+#include "app/AppContext.h"
+#include "app/ThemePalette.h"
+#include "app/cConfig.h"
+#include "app/modTexts.h"
+#include "engine/modColorRewrite.h"
+#include "platform/DrawingContext.h"
+#include "platform/Error.h"
+#include "platform/Files.h"
+#include "platform/IniFile.h"
+#include "platform/TextUtil.h"
+#include "store/modLibrary.h"
+
+namespace qds {
+
+bool InitGlobals(AppContext& app) {
+  app.DesignOpacity = 100;
+  app.DesignOpacityOn = false;
+  app.WorkSurface512 = DrawingSurface::Create(512, 512);
+  app.WorkSurface256 = DrawingSurface::Create(256, 256);
+
+  // From here on an error does not stop the steps; the library check below
+  // reads the error state.
+  try {
+    OpenDatabases(app);
+    app.Config = std::make_unique<cConfig>(app.Cnn, app.AppPath);
+    OpenTexts(app);
+  } catch (const AppError&) {
+  }
+  try {
+    app.Cnn.Query("Select Top 1 ID From Images");
+  } catch (const AppError&) {
+  }
+  if (app.Cnn.HasError() || !app.Config) {
+    app.ShowMessage("OpenDB-Error");
+    return false;
+  }
+  try {
+    ImportTmpImages(app);
+    InitDummyID(app);
+  } catch (const AppError& e) {
+    app.ShowMessage(e.Description());
+    return false;
+  }
+  return true;
+}
+
+void AddBasePatterns(AppContext& app) {
+  SurfacePtr tile = DrawingSurface::Create(8, 8);
+  {
+    DrawingContext ctx(tile);
+    ctx.SetSourceColor(0xFFFFFF, 0.6);
+    ctx.Paint();
+    ctx.SetSourceColor(0xFFFFFF, 0.3);
+    ctx.Rectangle(0, 0, 4, 4);
+    ctx.Rectangle(4, 4, 4, 4);
+    ctx.Fill();
+  }
+  Pattern pattern = Pattern::ForSurface(tile);
+  pattern.SetExtend(Extend::Repeat);
+  const struct {
+    const char* key;
+    int w, h;
+  } sizes[] = {{"BasePat64", 64, 64}, {"BasePat48", 48, 48}, {"BasePat200x16", 200, 16}};
+  for (const auto& s : sizes) {
+    SurfacePtr surface = DrawingSurface::Create(s.w, s.h);
+    app.ImageList().AddSurface(s.key, surface);
+    DrawingContext ctx(surface);
+    ctx.SetSource(pattern);
+    ctx.Paint(1.0);
+  }
+}
+
+void AddQuillaronShapes(AppContext& app) {
+  DbRecordset rs = app.Cnn.Query(
+      "SELECT Distinct [Images].ID, [Images].Name as Images_Name, SVG, [Styles].Name as Styles_Name, "
+      "[Themes].Name as Themes_Name from Images "
+      "join Themes on [Images].Themes_ID=[Themes].ID "
+      "join Styles on [Images].Styles_ID=[Styles].ID where [Styles].Name='Quillaron' and "
+      "[Themes].Name='Shapes' "
+      "order by [Images].Name");
+  for (int position = 0; !rs.Eof(); rs.MoveNext(), ++position) {
+    auto item = std::make_shared<cSVGItem>();
+    item->Init(rs.Fields("ID").Value(), rs.Fields("SVG").AsBytes(), rs.Fields("Images_Name").AsString());
+    item->setStyle(rs.Fields("Styles_Name").AsString());
+    item->setTheme(rs.Fields("Themes_Name").AsString());
+    app.ShapeItems.Add(item, rs.Fields("ID").AsString());
+    if (item->FriendlyName() == "Filled_Circle") app.FilledCircleIndex = position;
+  }
+}
+
+void AddResourceSVGs(AppContext& app, std::int64_t iconColor) {
+  DbRecordset rs = app.CnnResources.Query("Select * From Resources");
+  for (; !rs.Eof(); rs.MoveNext()) {
+    const std::string name = rs.Fields("Name").AsString();
+    const std::string lower = AsciiLower(name);
+    Bytes svg = rs.Fields("SVG").AsBytes();
+    // The logo and the two signal icons keep their own colours.
+    if (lower != "forbidden" && lower != "quillaron" && lower != "close") {
+      svg = ToBytes(ReplaceAllColors(ToString(svg), iconColor));
+    }
+    app.ImageList().AddFromFile(app.PathOf("DocAndImages/Quillaron.svg"), "Logo", 100, 100);
+    if (lower == "quillaron") {
+      app.ImageList().AddFromBytes(svg, "Logo", 100, 100);
+    } else if (lower == "forbidden") {
+      app.ImageList().AddFromBytes(svg, name, 32, 32);
+    } else {
+      app.ImageList().AddFromBytes(svg, name, 48, 48);
+    }
+  }
+}
+
+void InitFillOptions(AppContext& app) {
+  static const struct {
+    const char* key;
+    int op;
+  } options[] = {{"FillOptionStandard", 2},    {"FillOptionAdd", 12},       {"FillOptionCOLORBURN", 20},
+                 {"FillOptionCOLORDODGE", 19}, {"FillOptionDARKEN", 17},    {"FillOptionDIFFERENCE", 23},
+                 {"FillOptionEXCLUSION", 24},  {"FillOptionHARDLIGHT", 21}, {"FillOptionLIGHTEN", 18},
+                 {"FillOptionMULTIPLY", 14},   {"FillOptionOVERLAY", 16},   {"FillOptionSCREEN", 15},
+                 {"FillOptionSOFTLIGHT", 22}};
+  for (const auto& o : options)
+    app.FillOptions.Add(Value(LanguageText(app, o.key).Text), std::to_string(o.op));
+}
+
+void SetDocumentsAndLinks(AppContext& app) {
+  const std::string docs = app.PathOf("DocAndImages/");
+  const std::string site = "https://www.quillaron.com";
+  if (app.Config && app.Config->Language_ID() == 1) {
+    app.DocInfographic = docs + "Quillaron_Infographic_DE.pdf";
+    app.DocManual = docs + "Quillaron_Dokumentation.pdf";
+    app.LinkHome = site;
+  } else {
+    app.DocInfographic = docs + "Quillaron_Infographic_EN.pdf";
+    app.DocManual = docs + "Quillaron_Documentation.pdf";
+    app.LinkHome = site + "/en";
+  }
+  app.LinkTutorials = app.LinkHome + "/tutorials.htm";
+  app.LinkForum = app.LinkHome + "/forum.htm";
+}
+
+void ReadSettingsFile(AppContext& app) {
+  app.RemoveClipPath = IniFile::Load(app.PathOf("Dat/Quillaron.ini")).Get("SVG", "RemoveClipPath") == "J";
+}
+
+bool IsFlatStyle(const std::string& styleName, const std::string& themeName, const std::string& extra) {
+  return (styleName == "Quillaron" && themeName == "Shapes") || styleName == "Slimline" ||
+         styleName == "Shapes" || styleName == "Flat" || !extra.empty();
+}
+
+bool CheckError(AppContext& app, const JsonBag& result) {
+  if (!result.Has("Error")) return false;
+  app.ShowMessage(result.GetString("Error"));
+  return true;
+}
+
+bool StartWithoutWindow(AppContext& app) {
+  if (!InitGlobals(app)) return false;
+  try {
+    AddBasePatterns(app);
+    AddQuillaronShapes(app);
+    AddResourceSVGs(app, QuillaronPaletteColor(4));
+    InitFillOptions(app);
+  } catch (const AppError& e) {
+    // Without its resource database the program is damaged, not merely bare.
+    app.ShowMessage(FormatErrorMessage(e));
+    return false;
+  }
+  app.ImageList().AddFromFile(app.PathOf("DocAndImages/BG6.PNG"), "Background");
+  app.ImageList().AddFromFile(app.PathOf("DocAndImages/Titlebar.PNG"), "Titlebar");
+  SetDocumentsAndLinks(app);
+  ReadSettingsFile(app);
+  UpdateDB(app);
+  return true;
+}
+
+}  // namespace qds

@@ -1,0 +1,126 @@
+#include "store/modLibrary.h"
+
+#include <ctime>
+#include <set>
+
+#include "app/AppContext.h"
+#include "platform/Error.h"
+#include "store/LibrarySchema.h"
+
+namespace qds {
+
+void OpenDatabases(AppContext& app) {
+  app.CnnResources = DbConnection::Open(app.PathOf(kResourcesFile), "", DbOpenMode::ReadOnly);
+  app.Cnn = DbConnection::Open(app.PathOf(kLibraryFile), "", DbOpenMode::Existing);
+}
+
+int ImportTmpImages(AppContext& app, const std::function<void(int, int)>& progress) {
+  DbRecordset staging = app.Cnn.Query("Select * From TmpImageBlobs");
+  const int total = staging.RecordCount();
+  if (total == 0) return 0;  // later starts cost nothing
+  int copied = 0;
+  for (int done = 1; !staging.Eof(); staging.MoveNext(), ++done) {
+    DbRecordset batch;
+    try {
+      batch = DbRecordset::Deserialize(GzipDecompress(staging.Fields("Content").AsBytes()));
+    } catch (const AppError& e) {
+      Raise(ErrNo::InvalidData,
+            "The icon collection could not be unpacked (batch " + std::to_string(done) + " of " +
+                std::to_string(total) + "): " + e.Description(),
+            "ImportTmpImages");
+    }
+    app.Cnn.BeginTrans();
+    try {
+      std::set<std::int64_t> present;
+      const int idField = batch.FieldIndex("ID");
+      if (idField >= 0 && batch.RecordCount() > 0) {
+        DbRecordset ids = app.Cnn.Query("Select ID From Images");
+        for (; !ids.Eof(); ids.MoveNext()) present.insert(ids.FieldValue(0).AsLong());
+      }
+      DbRecordset images = app.Cnn.Query("Select * From Images Where 1=0");
+      if (batch.FieldCount() > images.FieldCount()) {
+        Raise(ErrNo::InvalidData, "A staged batch has more columns than the Images table", "ImportTmpImages");
+      }
+      for (batch.MoveFirst(); !batch.Eof(); batch.MoveNext()) {
+        if (idField >= 0 && present.count(batch.FieldValue(idField).AsLong())) continue;
+        images.AddNew();
+        for (int i = 0; i < batch.FieldCount(); ++i) images.Fields(i) = batch.FieldValue(i);
+        images.Update();
+        ++copied;
+        app.DoEvents();
+      }
+    } catch (...) {
+      app.Cnn.RollbackTrans();
+      throw;
+    }
+    app.Cnn.CommitTrans();
+    app.DoEvents();
+    if (progress) progress(done, total);
+  }
+  // Only now, when every batch is in, does the staging table go.
+  app.Cnn.BeginTrans();
+  app.Cnn.Execute("Delete From TmpImageBlobs");
+  app.Cnn.CommitTrans();
+  return copied;
+}
+
+void InitDummyID(AppContext& app) {
+  DbRecordset rs = app.Cnn.Query("Select top 1 ID From Images Where Styles_ID = 1");
+  if (!rs.Eof()) app.DummyID = static_cast<int>(rs.Fields("ID").AsLong());
+}
+
+bool UpdateDB(AppContext& app) {
+  DbConnection& cnn = app.Cnn;
+  std::string stored;
+  try {
+    DbRecordset version = cnn.Query(std::string("Select Version From ") + kVersionTable);
+    if (!version.Eof()) stored = version.Fields(0).AsString();
+  } catch (const AppError&) {
+    cnn.ClearError();  // no version table yet: an old library
+  }
+  // An ordinal comparison of texts, so "1.1.9" passes as well.
+  if (stored >= "1.1.19") return false;
+
+  const auto failed = [&] {
+    app.ShowMessage("Error UpdateDB: " + std::to_string(cnn.ErrorNumber()) + " " + cnn.ErrorText());
+    return false;
+  };
+  static const char* const steps[][2] = {
+      {"Select Opacity from Layer Where 1=0", "ALTER TABLE Layer ADD COLUMN Opacity Integer Default 100"},
+      {"Select UseOpacity from Layer Where 1=0", "ALTER TABLE Layer ADD COLUMN UseOpacity Integer Default 0"},
+      {"Select Opacity from ColorFilter Where 1=0",
+       "ALTER TABLE ColorFilter ADD COLUMN Opacity Integer Default 100"},
+      {"Select UseGlobalOpacity from ColorFilter Where 1=0",
+       "ALTER TABLE ColorFilter ADD COLUMN UseGlobalOpacity Integer Default 0"},
+      {"Select Layers from ColorFilter Where 1=0",
+       "ALTER TABLE ColorFilter ADD COLUMN Layers Integer Default 0"}};
+  bool changed = false;
+  for (const auto& step : steps) {
+    if (!cnn.Execute(step[0])) {
+      cnn.ClearError();
+      if (!cnn.Execute(step[1])) return failed();
+      changed = true;
+    }
+    if (cnn.HasError()) return failed();
+  }
+  if (!changed) return false;
+
+  cnn.Execute(std::string("CREATE TABLE IF NOT EXISTS ") + kVersionTable + " (Version TEXT)");
+  DbRecordset version = cnn.Query(std::string("Select * From ") + kVersionTable);
+  if (version.Eof()) version.AddNew();
+  version.Fields("Version") = ProgramVersion();
+  version.Update();
+  return true;
+}
+
+std::string BackupLibrary(AppContext& app) {
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&now, &local);
+  char stamp[16];
+  std::strftime(stamp, sizeof stamp, "%Y%m%d%H%M", &local);
+  const std::string path = app.PathOf(std::string("Database/Quillaron_") + stamp + ".db");
+  return app.Cnn.BackupTo(path) ? path : std::string();
+}
+
+}  // namespace qds

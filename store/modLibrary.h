@@ -1,0 +1,37 @@
+#pragma once
+// Opening, checking, filling and upgrading the library database.
+
+#include <functional>
+#include <string>
+
+namespace qds {
+
+struct AppContext;
+
+// Opens CnnResources (read-only) and Cnn on the library of the application
+// folder. A missing library is not created: its error surfaces at the first
+// statement.
+void OpenDatabases(AppContext& app);
+
+// Copies the staged icon batches into Images, one transaction per batch,
+// pumping events after every row, and empties the staging table at the end.
+// A row whose ID is already in Images was copied by an earlier start that
+// did not finish; it is passed over, so every icon arrives exactly once.
+// A damaged batch raises AppError and leaves the staging table as it was.
+// `progress` hears (batches done, batches in all) after each batch.
+// Returns the number of rows copied.
+int ImportTmpImages(AppContext& app, const std::function<void(int done, int total)>& progress = {});
+
+// DummyID: the first icon of style 1, or 0 when there is none.
+void InitDummyID(AppContext& app);
+
+// Adds the columns that libraries older than 1.1.19 lack. Returns true when
+// the schema changed (and the version was written). Failures are shown
+// through app.ShowMessage and leave the version unwritten.
+bool UpdateDB(AppContext& app);
+
+// Writes Database/Quillaron_yyyymmddhhnn.db; returns its path, or "" when
+// the backup failed (the error stays on the connection).
+std::string BackupLibrary(AppContext& app);
+
+}  // namespace qds

@@ -37,6 +37,7 @@ test-asan: build-asan
 # the test command.
 bench: build
 	for b in $(BUILD)/bench/*_bench; do $$b --benchmark_min_time=0.5; done
+	bench/startup_bench.sh $(BUILD)
 
 clean:
 	rm -rf $(BUILD) $(SAN_BUILD)

@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -145,6 +146,33 @@ std::string Words(const std::string& name) {
 
 void Check(DbConnection& cnn, bool ok) {
   if (!ok) throw std::runtime_error("SQL failed: " + cnn.ErrorText());
+}
+
+// Builds a database beside its final name and renames it into place, so a
+// failed run never leaves half a database where the program looks for one.
+void WriteDatabase(const std::string& path, bool (*schema)(DbConnection&),
+                   const std::function<void(DbConnection&)>& fill) {
+  const std::string temp = path + ".tmp";
+  std::remove(temp.c_str());
+  {
+    DbConnection cnn = DbConnection::Open(temp);
+    Check(cnn, schema(cnn));
+    Check(cnn, cnn.BeginTrans());
+    fill(cnn);
+    Check(cnn, cnn.CommitTrans());
+    Check(cnn, cnn.Execute("VACUUM"));
+  }
+  if (std::rename(temp.c_str(), path.c_str()) != 0) throw std::runtime_error("cannot write " + path);
+}
+
+void WriteResources(DbConnection& cnn, const std::vector<std::pair<std::string, Bytes>>& resources) {
+  DbRecordset res = cnn.Query("Select * From Resources Where 1=0");
+  for (const auto& [name, svg] : resources) {
+    res.AddNew();
+    res.Fields("Name") = name;
+    res.Fields("SVG") = svg;
+    res.Update();
+  }
 }
 
 // The icons of the library, in the column order of Images.
@@ -291,13 +319,7 @@ void BuildLibrary(const Options& o, Normaliser& normalise,
   AddGenerated(lib, normalise, datagen::GeometricShapes(), "Shapes");
   AddGenerated(lib, normalise, datagen::DesignElements(), "Design Elements");
 
-  const std::string path = o.out + "/Library.db";
-  const std::string temp = path + ".tmp";
-  std::remove(temp.c_str());
-  {
-    DbConnection cnn = DbConnection::Open(temp);
-    Check(cnn, CreateLibrarySchema(cnn));
-    Check(cnn, cnn.BeginTrans());
+  WriteDatabase(o.out + "/Library.db", CreateLibrarySchema, [&](DbConnection& cnn) {
     DbRecordset styles = cnn.Query("Select * From Styles Where 1=0");
     for (const auto& s : lib.styles) {
       styles.AddNew();
@@ -313,13 +335,7 @@ void BuildLibrary(const Options& o, Normaliser& normalise,
     datagen::WritePalettes(cnn);
     Check(cnn, cnn.Execute(R"(Insert Into Config (Settings) Values ('{"Language_ID":2}'))"));
     Check(cnn, cnn.Execute("Insert Into DBVersion (Version) Values ('" + SqlText(ProgramVersion()) + "')"));
-    DbRecordset res = cnn.Query("Select * From Resources Where 1=0");
-    for (const auto& [name, svg] : resources) {
-      res.AddNew();
-      res.Fields("Name") = name;
-      res.Fields("SVG") = svg;
-      res.Update();
-    }
+    WriteResources(cnn, resources);
 
     // The icons reach Images only through the staging table, in batches.
     const DbRecordset columns = cnn.Query("Select * From Images Where 1=0");
@@ -348,10 +364,7 @@ void BuildLibrary(const Options& o, Normaliser& normalise,
       staging.Fields("Content") = GzipCompress(batch.Serialize(), 9);
       staging.Update();
     }
-    Check(cnn, cnn.CommitTrans());
-    Check(cnn, cnn.Execute("VACUUM"));
-  }
-  if (std::rename(temp.c_str(), path.c_str()) != 0) throw std::runtime_error("cannot write " + path);
+  });
   std::cout << "Library.db: " << lib.rows.size() << " icons in " << lib.styles.size() << " styles and "
             << lib.themes.size() << " themes\n";
 }
@@ -377,20 +390,9 @@ std::vector<std::pair<std::string, Bytes>> InterfaceIcons(const Options& o, Norm
 }
 
 void BuildResources(const Options& o, const std::vector<std::pair<std::string, Bytes>>& resources) {
-  const std::string path = o.out + "/Resources.db";
-  const std::string temp = path + ".tmp";
-  std::remove(temp.c_str());
-  {
-    DbConnection cnn = DbConnection::Open(temp);
-    Check(cnn, CreateResourcesSchema(cnn));
-    Check(cnn, cnn.BeginTrans());
-    DbRecordset res = cnn.Query("Select * From Resources Where 1=0");
-    for (const auto& [name, svg] : resources) {
-      res.AddNew();
-      res.Fields("Name") = name;
-      res.Fields("SVG") = svg;
-      res.Update();
-    }
+  int count = 0;
+  WriteDatabase(o.out + "/Resources.db", CreateResourcesSchema, [&](DbConnection& cnn) {
+    WriteResources(cnn, resources);
     DbRecordset languages = cnn.Query("Select * From Language Where 1=0");
     for (const auto& row : ReadTsv(o.data + "/languages.tsv")) {
       languages.AddNew();
@@ -399,7 +401,6 @@ void BuildResources(const Options& o, const std::vector<std::pair<std::string, B
       languages.Update();
     }
     DbRecordset texts = cnn.Query("Select * From Texts Where 1=0");
-    int count = 0;
     for (const auto& row : ReadTsv(o.data + "/texts.tsv")) {
       if (row.size() < 3) throw std::runtime_error("texts.tsv: a row with fewer than three fields");
       texts.AddNew();
@@ -410,11 +411,8 @@ void BuildResources(const Options& o, const std::vector<std::pair<std::string, B
       texts.Update();
       ++count;
     }
-    Check(cnn, cnn.CommitTrans());
-    Check(cnn, cnn.Execute("VACUUM"));
-    std::cout << "Resources.db: " << resources.size() << " interface icons, " << count << " texts\n";
-  }
-  if (std::rename(temp.c_str(), path.c_str()) != 0) throw std::runtime_error("cannot write " + path);
+  });
+  std::cout << "Resources.db: " << resources.size() << " interface icons, " << count << " texts\n";
 }
 
 }  // namespace

@@ -66,6 +66,12 @@ struct AppContext {
   std::string DocInfographic, DocManual;
   std::string LinkHome, LinkTutorials, LinkForum;
   int WindowLeft = 0, WindowTop = 0, WindowWidth = 0, WindowHeight = 0;
+  // The icon shown from BaseIcons and from OverlayLayers.
+  int BaseIndex = 0;
+  int OverlayIndex = 0;
+  // The design canvas, in pixels.
+  int CanvasWidth = 512;
+  int CanvasHeight = 512;
 
   // What the start-up shows or asks while there may be no window: the
   // studio puts its message box here, the command line prints.

@@ -4,7 +4,7 @@
 #include "app/ThemePalette.h"
 #include "app/cConfig.h"
 #include "app/modTexts.h"
-#include "engine/modColorRewrite.h"
+#include "engine/cSVGItem.h"
 #include "platform/DrawingContext.h"
 #include "platform/Error.h"
 #include "platform/Files.h"
@@ -92,21 +92,28 @@ void AddQuillaronShapes(AppContext& app) {
 
 void AddResourceSVGs(AppContext& app, std::int64_t iconColor) {
   DbRecordset rs = app.CnnResources.Query("Select * From Resources");
+  const cColorItem tint(iconColor);
   for (; !rs.Eof(); rs.MoveNext()) {
     const std::string name = rs.Fields("Name").AsString();
     const std::string lower = AsciiLower(name);
-    Bytes svg = rs.Fields("SVG").AsBytes();
-    // The logo and the two signal icons keep their own colours.
-    if (lower != "forbidden" && lower != "quillaron" && lower != "close") {
-      svg = ToBytes(ReplaceAllColors(ToString(svg), iconColor));
+    cSVGItem item;
+    item.IsResource = true;
+    const cColorItem neutral(0x999999);
+    // The logo and the two signal icons keep their own colours; the others
+    // take the theme's accent through the colour filter.
+    if (lower == "forbidden" || lower == "quillaron" || lower == "close") {
+      item.Init(rs.Fields("ID").Value(), rs.Fields("SVG").AsBytes(), name, &neutral);
+    } else {
+      item.Init(rs.Fields("ID").Value(), rs.Fields("SVG").AsBytes(), name, &tint, true, cSVGItem::FilterColor, 2,
+                "", true);
     }
     app.ImageList().AddFromFile(app.PathOf("DocAndImages/Quillaron.svg"), "Logo", 100, 100);
     if (lower == "quillaron") {
-      app.ImageList().AddFromBytes(svg, "Logo", 100, 100);
+      app.ImageList().AddFromBytes(item.SvgBytes(), "Logo", 100, 100);
     } else if (lower == "forbidden") {
-      app.ImageList().AddFromBytes(svg, name, 32, 32);
+      app.ImageList().AddFromBytes(item.SvgBytes(), name, 32, 32);
     } else {
-      app.ImageList().AddFromBytes(svg, name, 48, 48);
+      app.ImageList().AddFromBytes(item.SvgBytes(), name, 48, 48);
     }
   }
 }

@@ -1,22 +1,251 @@
 #include "engine/cSVGItem.h"
 
+#include <algorithm>
+
+#include "app/AppContext.h"
+#include "engine/modColorRewrite.h"
+#include "platform/DbRecordset.h"
+#include "platform/DrawingContext.h"
+#include "platform/DrawingSurface.h"
+#include "platform/SvgRenderer.h"
+#include "platform/TextUtil.h"
+
 namespace qds {
 
-cSVGItem::cSVGItem() = default;
+bool IsNumericID(const Value& id) {
+  if (id.IsNumber()) return true;
+  if (id.GetKind() != Value::Kind::String || TrimBlanks(id.Get<std::string>()).empty()) return false;
+  try {
+    id.AsDouble();
+    return true;
+  } catch (...) {
+    return false;
+  }
+}
 
-void cSVGItem::Init(const Value& id, const Bytes& svgBytes, const std::string& friendlyName, bool visible,
-                    int filter, int fillOptions, const std::string& settings) {
+bool LineAllowed(const std::string& style, const std::string& theme, const std::string& textContent) {
+  return !textContent.empty() || style == "Slimline" || style == "Shapes" || style == "Flat" ||
+         (style == "Quillaron" && theme == "Shapes");
+}
+
+void cSVGItem::Init(const Value& id, const Bytes& svgBytes, const std::string& friendlyName,
+                    const cColorItem* colorItem, bool visible, int filter, int fillOptions, const std::string& settings,
+                    bool applyColor, PathPtr initPath) {
+  initPath_ = std::move(initPath);
   id_ = id;
   svgBytes_ = svgBytes;
-  friendlyName_ = friendlyName;
-  visible_ = visible;
-  filter_ = filter;
   fillOptions_ = fillOptions;
-  setSettings(settings);
+  friendlyName_ = friendlyName;
+  colorItem_ = colorItem ? colorItem->Clone() : cColorItem();
+  filter_ = filter;
+  visible_ = visible;
+  if (settings.size() < 3 || settings.front() != '{') {
+    bag_.Clear();
+  } else {
+    setSettings(settings);
+  }
+  if (applyColor && filter_ != FilterOriginal) setColorItem(colorItem_);
+}
+
+SVGItemPtr cSVGItem::Clone(bool applyColor) const {
+  auto copy = std::make_shared<cSVGItem>();
+  copy->Init(id_, svgBytes_, friendlyName_, &colorItem_, visible_, filter_, fillOptions_, Settings(), applyColor,
+             initPath_);
+  return copy;
 }
 
 void cSVGItem::setSettings(const std::string& text) {
-  if (text.size() < 3 || text.front() != '{' || !settings_.Parse(text)) settings_.Clear();
+  // Text that begins with "{" but is broken leaves an empty bag: whatever
+  // the parser made of it replaces the old settings.
+  if (!bag_.Parse(text)) bag_.Clear();
+}
+
+void cSVGItem::setColorItem(const cColorItem& colour) {
+  cColorItem kept = colour.Clone();
+  if (filter_ != FilterColor && !EffIsLine()) ResetSVGBYtes();
+  if (filter_ == FilterOriginal || filter_ == FilterGray || filter_ == FilterReplace || filter_ == FilterGradient) {
+    kept.InitColor();
+  } else if (filter_ == FilterHSL) {
+    kept.InitRGB();  // the H, S, L deltas stay
+  }
+  colorItem_ = kept;
+  if (filter_ != FilterColor && filter_ != FilterGray && filter_ != FilterReplace && filter_ != FilterColorize &&
+      filter_ != FilterHSL) {
+    return;
+  }
+  const std::string text = IsResource ? XML() : ToString(svgBytes_);
+  setXML(RewriteColors(text, *this, colorItem_));
+}
+
+void cSVGItem::setFilter(int filter) {
+  if (filter == filter_) return;
+  filter_ = filter;
+  setColorItem(colorItem_);
+}
+
+void cSVGItem::setSvgBytes(const Bytes& bytes) {
+  svgBytes_ = bytes;
+  if (filter_ != FilterOriginal) setColorItem(colorItem_);
+}
+
+std::string cSVGItem::XML() const {
+  SurfacePtr surface = DrawingSurface::Create(256, 256, SurfaceKind::Svg);
+  {
+    DrawingContext ctx(surface);
+    App().SvgRenderer->Render(ctx, svgBytes_, 0, 0, 256, 256, 0);
+  }
+  return ToString(surface->SvgDocumentBytes());
+}
+
+Bytes cSVGItem::GetSVGBytes() const {
+  if (!IsNumericID(id_)) return {};
+  const std::string table = IsResource ? "Resources" : "Images";
+  DbRecordset rs = App().Cnn.Query("Select * From " + table + " where ID=" + std::to_string(id_.AsLong()));
+  if (rs.Eof()) return {};
+  rs.MoveFirst();
+  return rs.Fields("SVG").AsBytes();
+}
+
+void cSVGItem::ResetSVGBYtes() {
+  if (!EffSymbolKey().empty() || !TextContent().empty() || EffIsLine()) {
+    rebuilding_ = true;
+    SettingsRefresh();
+  } else {
+    svgBytes_ = GetSVGBytes();
+  }
+  rebuilding_ = false;
+}
+
+void cSVGItem::ReApply() {
+  if (filter_ != FilterOriginal && !rebuilding_) setColorItem(colorItem_.Clone());
+}
+
+void cSVGItem::setOffSetx(double v) {
+  bag_.Set("OffsetX", v);
+  bag_.Set("Pos", 0);
+  bag_.Set("Distance", 0);
+}
+
+void cSVGItem::setOffSetY(double v) {
+  bag_.Set("OffsetY", v);
+  bag_.Set("Pos", 0);
+  bag_.Set("Distance", 0);
+}
+
+void cSVGItem::setDistance(double v) {
+  bag_.Set("Distance", v);
+  bag_.Set("OffsetX", 0);
+  bag_.Set("OffsetY", 0);
+}
+
+void cSVGItem::setPos(int v) {
+  bag_.Set("Pos", v);
+  bag_.Set("OffsetX", 0);
+  bag_.Set("OffsetY", 0);
+}
+
+void cSVGItem::setEffOffsetX(double v) {
+  bag_.Set("EffOffsetX", v);
+  bag_.Set("Pos", 0);
+  bag_.Set("Distance", 0);
+}
+
+void cSVGItem::setEffOffsetY(double v) {
+  bag_.Set("EffOffsetY", v);
+  bag_.Set("Pos", 0);
+  bag_.Set("Distance", 0);
+}
+
+void cSVGItem::setGradAngleDeg(double v) {
+  if (v == 360) {
+    v = 0;
+  } else if (v > 360) {
+    v -= 360;
+  } else if (v < 0) {
+    v += 360;
+  }
+  bag_.Set("GradAngleDeg", v);
+}
+
+Collection cSVGItem::ColorList(const std::string& text) {
+  Collection out;
+  if (text.empty()) return out;
+  std::size_t start = 0;
+  for (;;) {
+    const std::size_t comma = text.find(',', start);
+    const std::string part(TrimBlanks(text.substr(start, comma == std::string::npos ? std::string::npos : comma - start)));
+    out.Add(Value(static_cast<long long>(static_cast<std::int32_t>(Value(part).AsLong()))));
+    if (comma == std::string::npos) break;
+    start = comma + 1;
+  }
+  return out;
+}
+
+std::string cSVGItem::JoinColors(const Collection* colours) {
+  std::string out;
+  if (!colours) return out;
+  for (const auto& e : *colours) {
+    if (!out.empty()) out += ",";
+    out += std::to_string(e.Item.AsLong());
+  }
+  return out;
+}
+
+JsonBag::Json& cSVGItem::GradStops() {
+  JsonBag::Json& j = bag_.Raw();
+  if (!j.contains("GradStops") || !j["GradStops"].is_array()) j["GradStops"] = JsonBag::Json::array();
+  return j["GradStops"];
+}
+
+int cSVGItem::GradStopsCount() const {
+  const JsonBag::Json& j = bag_.Raw();
+  return j.contains("GradStops") && j["GradStops"].is_array() ? static_cast<int>(j["GradStops"].size()) : 0;
+}
+
+void cSVGItem::GradStopsAdd(double offset, std::int64_t color, double alpha, int index) {
+  JsonBag::Json& stops = GradStops();
+  const int at = std::clamp(index, 0, static_cast<int>(stops.size()));
+  JsonBag stop;
+  stop.Set("Offset", offset);
+  stop.Set("Color", static_cast<long long>(color));
+  stop.Set("Alpha", alpha);
+  stops.insert(stops.begin() + at, stop.Raw());
+}
+
+void cSVGItem::GradStopsSet(int index, double offset, std::int64_t color, double alpha) {
+  JsonBag::Json& stops = GradStops();
+  if (index < 0 || index >= static_cast<int>(stops.size())) return;
+  JsonBag stop;
+  stop.Raw() = stops[index];
+  stop.Set("Offset", offset);
+  stop.Set("Color", static_cast<long long>(color));
+  stop.Set("Alpha", alpha);
+  stops[index] = stop.Raw();
+}
+
+cColorStop cSVGItem::GradStopsItem(int index) const {
+  if (index < 0 || index >= GradStopsCount()) return {};
+  JsonBag stop;
+  stop.Raw() = bag_.Raw()["GradStops"][index];
+  return {stop.GetDouble("Offset"), stop.GetDouble("Alpha", 1), static_cast<std::int32_t>(stop.GetLong("Color"))};
+}
+
+void cSVGItem::GradStopsRemove(int index) {
+  JsonBag::Json& stops = GradStops();
+  if (index >= 0 && index < static_cast<int>(stops.size())) stops.erase(stops.begin() + index);
+}
+
+void cSVGItem::GradCloneIntoMeFrom(const cSVGItem& source) {
+  setGradPointCX(source.GradPointCX());
+  setGradPointCY(source.GradPointCY());
+  setGradRadial(source.GradRadial());
+  setGradAngleDeg(source.GradAngleDeg());
+  setGradInvert(source.GradInvert());
+  GradStops() = JsonBag::Json::array();
+  for (int i = source.GradStopsCount() - 1; i >= 0; --i) {
+    const cColorStop s = source.GradStopsItem(i);
+    GradStopsAdd(s.Offset, s.Color, s.Opacity, 0);
+  }
 }
 
 }  // namespace qds

@@ -5,27 +5,58 @@
 // attributes are left alone on purpose: library documents are normalised.
 
 #include <array>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "colour/cColorItem.h"
+#include "platform/Collection.h"
+
 namespace qds {
+
+class cSVGItem;
 
 // The three channel strings of one colour part, as written ("20%").
 using ColorChannels = std::array<std::string, 3>;
 
 // Every colour part of every element's style, at any depth, in document
-// order. A part counts when it contains ":rgb(". Parts with fewer than three
-// channels are skipped. A document that cannot be parsed gives none.
+// order. A part counts when it contains ":rgb("; one with fewer than three
+// channels is skipped. A document that cannot be parsed gives none.
 std::vector<ColorChannels> ColorParts(std::string_view svg);
 
-// A channel 0..255 as the percent text the rewrite writes: two decimals.
-std::string PercentChannel(int value);
+// Writes the non-empty r, G, B of `colour` into the channel strings as
+// percent with two decimals ("54.90%"); empty channels stay as they were.
+void ReplaceColorPercentValues(ColorChannels& channels, const cColorItem& colour);
 
-// Every colour of the document becomes `colour` (0xBBGGRR). Replacements
-// work on the text part by part, so one colour part's result can be caught
-// by a later part whose old text equals it.
-std::string ReplaceAllColors(std::string svg, std::int64_t colour);
+// The new colour of the layer's replacement pairs for `colour`: the first
+// old colour that each channel reaches or exceeds by at most 3.
+cColorItem ReplaceColor(const cColorItem& colour, const cSVGItem& layer);
+
+// Rewrites every colour of `text` by the layer's filter (colour, gray,
+// replace, colourise, HSL shift), with `colorItem` as the filter's colour.
+// Each replacement works on the whole text, so a colour produced by one
+// part is caught by a later part whose old colour equals it.
+std::string RewriteColors(std::string text, const cSVGItem& layer, const cColorItem& colorItem);
+
+// The distinct colours (0xBBGGRR) of the layers' library documents, keyed
+// by their decimal text, in the order first seen.
+template <class Layers>
+Collection GetAllColors(const Layers& layers);
+
+// Percent channels to whole numbers 0..255, for exported files.
+std::string RGBPercentToRGBValues(std::string text);
+
+// Every occurrence of `from` in `text` replaced by `to`.
+void ReplaceEvery(std::string& text, const std::string& from, const std::string& to);
+
+// The colours of one document, for GetAllColors.
+void AddDocumentColors(Collection& colours, std::string_view svg);
+
+template <class Layers>
+Collection GetAllColors(const Layers& layers) {
+  Collection colours;
+  for (const auto& e : layers) AddDocumentColors(colours, ToString(e.Item->GetSVGBytes()));
+  return colours;
+}
 
 }  // namespace qds

@@ -7,11 +7,12 @@ namespace qds {
 
 namespace {
 
-// Comments, processing instructions, the declaration and a doctype are kept
-// as they stand so that writing the text back changes only what we changed.
+// Comments, processing instructions, the declaration, a doctype and the
+// white space between elements are kept as they stand, so that writing the
+// text back changes only what we changed.
 // pugixml never expands entities declared in a doctype.
-constexpr unsigned kParseOptions = pugi::parse_default | pugi::parse_declaration | pugi::parse_doctype |
-                                   pugi::parse_comments | pugi::parse_pi;
+constexpr unsigned kParseOptions = pugi::parse_default | pugi::parse_ws_pcdata | pugi::parse_declaration |
+                                   pugi::parse_doctype | pugi::parse_comments | pugi::parse_pi;
 
 pugi::xml_node FromOpaque(void* p) {
   return pugi::xml_node(static_cast<pugi::xml_node_struct*>(p));

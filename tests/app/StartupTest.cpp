@@ -15,21 +15,13 @@
 #include "store/modLibrary.h"
 #include "tests/support/AppFolder.h"
 #include "tests/support/Pixels.h"
+#include "tests/support/StartedApp.h"
 
 using namespace qds;
 
 namespace {
 
-// A started program on its own application folder, messages collected.
-struct Started {
-  AppFolder folder;
-  ScopedAppContext app{folder.Folder()};
-  std::vector<std::string> messages;
-  Started() {
-    app->ShowMessage = [this](const std::string& m) { messages.push_back(m); };
-  }
-  long long Count(const std::string& sql) { return app->Cnn.Query(sql).Fields(0).AsLong(); }
-};
+using Started = StartedApp;
 
 // What the staging table holds: the IDs of every staged row.
 std::multiset<long long> StagedIds(const std::string& library) {

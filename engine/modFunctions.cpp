@@ -1,0 +1,107 @@
+#include "engine/modFunctions.h"
+
+#include "app/AppContext.h"
+#include "engine/cSVGItem.h"
+#include "engine/modParser.h"
+#include "platform/DrawingContext.h"
+#include "platform/DrawingSurface.h"
+#include "platform/TextUtil.h"
+#include "platform/XmlDocument.h"
+
+namespace qds {
+
+namespace {
+
+// Translate and scale from the layer's icon space to the target.
+void PlaceLayer(DrawingContext& ctx, const cSVGItem& layer, double W, double H, double zW, double zH) {
+  ctx.Translate(layer.OffSetx() / 100 * W + (W - zW) / 2 + layer.MoveX / 100 * W,
+                layer.OffSetY() / 100 * H + (H - zH) / 2 + layer.MoveY / 100 * H);
+  ctx.Scale(layer.ZoomPercent() / 100 * (W / 256), layer.ZoomPercent() / 100 * (H / 256));
+}
+
+void Collect(const XmlNode& node, std::vector<XmlNode>& found) {
+  for (const XmlNode& child : node.Children()) {
+    if (AsciiLower(child.Name()) == "clippath" && AsciiLower(child.Attribute("id").substr(0, 4)) == "clip") {
+      found.push_back(child);
+    }
+    Collect(child, found);
+  }
+}
+
+void Groups(const XmlNode& node, const std::string& value, std::vector<XmlNode>& found) {
+  for (const XmlNode& child : node.Children()) {
+    if (child.Name() == "g" && AsciiLower(child.Attribute("clip-path")) == value) found.push_back(child);
+    Groups(child, value, found);
+  }
+}
+
+}  // namespace
+
+bool SetIconClipPath(DrawingContext& ctx, const std::string& key, double W, double H) {
+  ItemCollection& layers = App().Layers;
+  if (!layers.Exists(key)) return false;
+  const SVGItemPtr layer = layers.Item(key)->Clone();
+  double zW, zH, L, T;
+  if (layer->Pos() != 0) layer->CalcOffSet(0, 0, zW, zH, L, T);
+  layer->CalcOffSet(W, H, zW, zH, L, T);
+  ctx.Save();
+  PlaceLayer(ctx, *layer, W, H, zW, zH);
+  return true;
+}
+
+bool SetBGPath(DrawingContext& ctx, const std::string& key, double W, double H) {
+  ItemCollection& layers = App().Layers;
+  if (!layers.Exists(key)) return false;
+  const SVGItemPtr layer = layers.Item(key)->Clone();
+  double zW, zH, L, T;
+  layer->CalcOffSet(W, H, zW, zH, L, T);
+  const KeyedCollection<PathPtr> paths = GetCairoPathsFromSVG(layer->XML());
+  if (paths.Count() == 0) return false;
+  // The copy must be taken in the caller's space, not the layer's: a path
+  // copies out in the coordinates of the transformation then in force.
+  const Matrix callers = ctx.GetMatrix();
+  ctx.Save();
+  ctx.NewPath();
+  PlaceLayer(ctx, *layer, W, H, zW, zH);
+  for (const auto& e : paths) ctx.AppendPath(*e.Item);
+  ctx.SetMatrix(callers);
+  const PathPtr outline = ctx.CopyPath(true, 0.1);
+  ctx.NewPath();
+  ctx.Restore();
+  ctx.AppendPath(*outline);
+  return true;
+}
+
+PathPtr ConstructPath(int form, double x, double y, double dx, double dy, double radius) {
+  SurfacePtr surface = DrawingSurface::Create(1, 1);
+  DrawingContext ctx(surface);
+  if (form == 0 || form == 1) {
+    ctx.Ellipse(x + dx / 2, y + dy / 2, dx / 2, dy / 2);
+  } else if (form == 2 || form == 3) {
+    ctx.RoundedRectangle(x, y, dx, dy, radius);
+  }
+  return ctx.CopyPath(true, 0.5);
+}
+
+std::string RemoveClipPaths(const std::string& text) {
+  XmlDocument doc;
+  if (!doc.Load(text)) return text;
+  std::vector<XmlNode> clips;
+  Collect(doc.Root(), clips);
+  for (const XmlNode& clip : clips) {
+    const std::string value = AsciiLower("url(#" + clip.Attribute("id") + ")");
+    std::vector<XmlNode> groups;
+    Groups(doc.Root(), value, groups);
+    for (XmlNode g : groups) {
+      g.RemoveAttribute("clip-path");
+      g.RemoveAttribute("clip-rule");
+    }
+    if (groups.empty()) continue;
+    XmlNode parent = clip.Parent();
+    parent.RemoveChild(clip);
+    if (parent.Children().empty() && !parent.Parent().IsNull()) parent.Parent().RemoveChild(parent);
+  }
+  return doc.Serialize();
+}
+
+}  // namespace qds

@@ -1,0 +1,32 @@
+#pragma once
+// Placing layer outlines on a context for clips, building clip forms, and
+// removing clip definitions from exported SVG text.
+
+#include <string>
+
+#include "platform/Path.h"
+
+namespace qds {
+
+class DrawingContext;
+
+// Saves the context and moves it so that a path in the layer's 256-unit
+// icon space lands where the layer is drawn on a W by H target. False, with
+// nothing changed, when Layers has no such key.
+bool SetIconClipPath(DrawingContext& ctx, const std::string& key, double W, double H);
+
+// Makes the current path the outline of a background layer in target
+// coordinates, ready to clip with. False when the key or its paths are
+// missing.
+bool SetBGPath(DrawingContext& ctx, const std::string& key, double W, double H);
+
+// A clip form as a flat path: forms 0 and 1 an ellipse, 2 and 3 a rounded
+// rectangle.
+PathPtr ConstructPath(int form, double x, double y, double dx, double dy, double radius);
+
+// The document without its clip paths: every clipPath whose id begins with
+// "clip" and is used by a group goes, with the group's clip attributes.
+// Text that cannot be read comes back unchanged.
+std::string RemoveClipPaths(const std::string& text);
+
+}  // namespace qds

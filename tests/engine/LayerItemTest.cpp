@@ -1,0 +1,141 @@
+#include <gtest/gtest.h>
+
+#include "app/AppContext.h"
+#include "engine/cLayersEntries.h"
+#include "engine/cSVGItem.h"
+#include "tests/support/StartedApp.h"
+
+using namespace qds;
+
+TEST(LayerItem, AnEmptyBagAnswersEveryDefaultAndSettingsKeepTheirOrder) {
+  StartedApp s;
+  cSVGItem item;
+  item.Init(Value(), {}, "Text", nullptr, true, cSVGItem::FilterOriginal, 2, "{}");
+  EXPECT_EQ(item.Settings(), "{}");
+  EXPECT_EQ(item.Width(), 256);
+  EXPECT_EQ(item.ZoomPercent(), 100);
+  EXPECT_EQ(item.Opacity(), 100);
+  EXPECT_EQ(item.TextFontName(), "Arial");
+  EXPECT_EQ(item.TextFontSize(), 60);
+  EXPECT_EQ(item.EffHeightPerc(), 30);
+  EXPECT_EQ(item.EffLineWidth(), 3);
+  EXPECT_EQ(item.EffDashValue1(), 40);
+  EXPECT_EQ(item.LSAngle(), 135);
+  EXPECT_EQ(item.ClipIOffset(), 20);
+  EXPECT_EQ(item.ClipX(), 0.3515625);
+  EXPECT_EQ(item.ClipDX(), 0.80078125);
+  EXPECT_EQ(item.ClipShapeForms(), 1);
+  EXPECT_TRUE(item.ClipInverted());
+  EXPECT_TRUE(item.ClipVisible());
+  EXPECT_EQ(item.ClipColor(), -1);
+  EXPECT_EQ(item.EffGlowColor(), 0xFFFFFF);
+  EXPECT_EQ(item.GradPointCX(), 0.1);
+  EXPECT_EQ(item.GradStopsCount(), 0);
+  EXPECT_EQ(item.Settings(), "{}");  // reading wrote nothing
+
+  // Snap positions and free offsets clear each other, in this order.
+  item.setPos(5);
+  item.setDistance(4);
+  EXPECT_EQ(item.Settings(), R"({"Pos":5,"OffsetX":0,"OffsetY":0,"Distance":4})");
+  item.setOffSetx(12.5);
+  EXPECT_EQ(item.Pos(), 0);
+  EXPECT_EQ(item.Distance(), 0);
+  item.setPos(3);
+  EXPECT_EQ(item.OffSetx(), 0);
+  item.setEffOffsetY(-7);
+  EXPECT_EQ(item.Pos(), 0);
+
+  // The text survives a round trip member for member.
+  cSVGItem copy;
+  const std::string text = R"({"TextContent":"Grüße \"A\"","Angle":45,"ZoomPercent":80.5,"GradStops":[{"Offset":0,"Color":255,"Alpha":1}],"Unknown":[1]})";
+  copy.Init(Value(7), {}, "x", nullptr, true, -1, 2, text);
+  EXPECT_EQ(copy.Settings(), text);
+  EXPECT_EQ(copy.Angle(), 45);
+  EXPECT_EQ(copy.GradStopsItem(0).Color, 255);
+
+  // Too short or not an object: a new bag. Broken after "{": a new bag too.
+  for (const char* bad : {"{}x", "[1]", "ab", "{\"Angle\":"}) {
+    copy.Init(Value(7), {}, "x", nullptr, true, -1, 2, bad);
+    EXPECT_EQ(copy.Settings(), "{}") << bad;
+  }
+
+  // A clone has the same text but a bag and a colour of its own.
+  item.setColorItem(cColorItem(0x00FF00));
+  SVGItemPtr clone = item.Clone();
+  EXPECT_EQ(clone->Settings(), item.Settings());
+  clone->setAngle(90);
+  EXPECT_EQ(item.Angle(), 0);
+}
+
+TEST(LayerItem, GradientsColourListsAndSelectionFollowTheirRules) {
+  StartedApp s;
+  cSVGItem item;
+  for (const auto& [in, out] : std::vector<std::pair<double, double>>{{360, 0}, {-90, 270}, {450, 90}, {800, 440}}) {
+    item.setGradAngleDeg(in);
+    EXPECT_EQ(item.GradAngleDeg(), out) << in;
+  }
+  item.GradStopsAdd(0, 0x0000FF, 1, 0);
+  item.GradStopsAdd(1, 0xFF0000, 0.5, 1);
+  item.GradStopsAdd(0.5, 0x00FF00, 1, 99);  // past the end: appended
+  item.GradStopsAdd(0.25, 0x000000, 1, 1);
+  ASSERT_EQ(item.GradStopsCount(), 4);
+  EXPECT_EQ(item.GradStopsItem(1).Offset, 0.25);
+  EXPECT_EQ(item.GradStopsItem(3).Color, 0x00FF00);
+  item.GradStopsSet(3, 0.75, 0x123456, 0.2);
+  EXPECT_EQ(item.GradStopsItem(3).Opacity, 0.2);
+  item.GradStopsRemove(1);
+  EXPECT_EQ(item.GradStopsCount(), 3);
+
+  cSVGItem other;
+  other.GradStopsAdd(0.9, 1, 1, 0);
+  item.setGradRadial(true);
+  item.setGradAngleDeg(90);
+  other.GradCloneIntoMeFrom(item);
+  ASSERT_EQ(other.GradStopsCount(), 3);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(other.GradStopsItem(i).Color, item.GradStopsItem(i).Color);
+  EXPECT_TRUE(other.GradRadial());
+  EXPECT_EQ(other.GradAngleDeg(), item.GradAngleDeg());
+
+  // Replacement colours: decimal values joined by commas, blanks trimmed.
+  item.setRCOldColorString("255, 65280,16711680");
+  const Collection old = item.RCOldColor();
+  ASSERT_EQ(old.Count(), 3);
+  EXPECT_EQ(old.Item(1).AsLong(), 65280);
+  item.setRCNewColor(&old);
+  EXPECT_EQ(item.RCNewColorString(), "255,65280,16711680");
+  item.setRCNewColor(nullptr);
+  EXPECT_EQ(item.RCNewColorString(), "");
+  EXPECT_EQ(item.RCNewColor().Count(), 0);
+
+  // The shown icon of a list is held within the list.
+  for (int i = 0; i < 3; ++i) s.app->BaseIcons.Add(std::make_shared<cSVGItem>(), std::to_string(i));
+  item.setSelectionIndex(5);
+  EXPECT_EQ(item.SelectionIndex(), 2);
+  EXPECT_TRUE(item.HasPrevIcon);
+  EXPECT_FALSE(item.HasNextIcon);
+  item.setSelectionIndex(-4);
+  EXPECT_EQ(s.app->BaseIndex, 0);
+  EXPECT_FALSE(item.HasPrevIcon);
+  EXPECT_TRUE(item.HasNextIcon);
+  item.setUseAsOverlay(true);
+  item.setSelectionIndex(1);
+  EXPECT_EQ(s.app->BaseIndex, 0);  // the overlay list has its own index
+  EXPECT_FALSE(item.HasNextIcon);
+
+  cLayersEntries entry;
+  EXPECT_EQ(entry.ColorFilter(), -1);
+  EXPECT_EQ(entry.FillOptions(), 2);
+  EXPECT_TRUE(entry.Visible());
+  EXPECT_TRUE(entry.r().IsEmpty());
+  entry.setKey("_BaseIco");
+  entry.setr(Value(255));
+  entry.setG(Value());
+  entry.setSettings(R"({"Pos":5})");
+  cLayersEntries back;
+  ASSERT_TRUE(back.setContent(entry.Content()));
+  EXPECT_EQ(back.Key(), "_BaseIco");
+  EXPECT_EQ(back.r().AsLong(), 255);
+  EXPECT_TRUE(back.G().IsEmpty());
+  EXPECT_EQ(back.Settings(), R"({"Pos":5})");
+  EXPECT_FALSE(back.setContent("[]"));
+}

@@ -104,8 +104,8 @@ void AddResourceSVGs(AppContext& app, std::int64_t iconColor) {
     if (lower == "forbidden" || lower == "quillaron" || lower == "close") {
       item.Init(rs.Fields("ID").Value(), rs.Fields("SVG").AsBytes(), name, &neutral);
     } else {
-      item.Init(rs.Fields("ID").Value(), rs.Fields("SVG").AsBytes(), name, &tint, true, cSVGItem::FilterColor, 2,
-                "", true);
+      item.Init(rs.Fields("ID").Value(), rs.Fields("SVG").AsBytes(), name, &tint, true, cSVGItem::FilterColor,
+                2, "", true);
     }
     app.ImageList().AddFromFile(app.PathOf("DocAndImages/Quillaron.svg"), "Logo", 100, 100);
     if (lower == "quillaron") {

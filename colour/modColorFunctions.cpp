@@ -10,7 +10,9 @@ namespace qds {
 
 namespace {
 
-std::uint8_t Byte(double v) { return static_cast<std::uint8_t>(std::clamp<std::int64_t>(RoundHalfEven(v), 0, 255)); }
+std::uint8_t Byte(double v) {
+  return static_cast<std::uint8_t>(std::clamp<std::int64_t>(RoundHalfEven(v), 0, 255));
+}
 
 int HexDigit(char c) {
   if (c >= '0' && c <= '9') return c - '0';
@@ -19,7 +21,9 @@ int HexDigit(char c) {
   return 0;
 }
 
-std::int32_t Rgb(int r, int g, int b) { return r | (g << 8) | (b << 16); }
+std::int32_t Rgb(int r, int g, int b) {
+  return r | (g << 8) | (b << 16);
+}
 
 }  // namespace
 
@@ -29,7 +33,9 @@ void HEXtoRGB(const std::string& hex, std::uint8_t& r, std::uint8_t& g, std::uin
     if (c != '#') digits += c;
   }
   digits.resize(std::max<std::size_t>(digits.size(), 6), '0');
-  const auto pair = [&](int at) { return static_cast<std::uint8_t>(HexDigit(digits[at]) * 16 + HexDigit(digits[at + 1])); };
+  const auto pair = [&](int at) {
+    return static_cast<std::uint8_t>(HexDigit(digits[at]) * 16 + HexDigit(digits[at + 1]));
+  };
   r = pair(0), g = pair(2), b = pair(4);
 }
 
@@ -134,7 +140,8 @@ cColorItem ChangeHSL(const cColorItem& colour, const cColorItem& delta) {
   cColorItem out = colour.Clone();
   int h;
   std::uint8_t s8, l8;
-  RGB2HSL(Byte(colour.r().value_or(0)), Byte(colour.G().value_or(0)), Byte(colour.B().value_or(0)), h, s8, l8);
+  RGB2HSL(Byte(colour.r().value_or(0)), Byte(colour.G().value_or(0)), Byte(colour.B().value_or(0)), h, s8,
+          l8);
   double H = h, S = s8, L = l8;
   if (delta.H()) {
     H += *delta.H();

@@ -7,6 +7,7 @@
 #include "platform/DbRecordset.h"
 #include "platform/DrawingContext.h"
 #include "platform/DrawingSurface.h"
+#include "platform/Error.h"
 #include "platform/SvgRenderer.h"
 #include "platform/TextUtil.h"
 
@@ -29,8 +30,8 @@ bool LineAllowed(const std::string& style, const std::string& theme, const std::
 }
 
 void cSVGItem::Init(const Value& id, const Bytes& svgBytes, const std::string& friendlyName,
-                    const cColorItem* colorItem, bool visible, int filter, int fillOptions, const std::string& settings,
-                    bool applyColor, PathPtr initPath) {
+                    const cColorItem* colorItem, bool visible, int filter, int fillOptions,
+                    const std::string& settings, bool applyColor, PathPtr initPath) {
   initPath_ = std::move(initPath);
   id_ = id;
   svgBytes_ = svgBytes;
@@ -49,8 +50,8 @@ void cSVGItem::Init(const Value& id, const Bytes& svgBytes, const std::string& f
 
 SVGItemPtr cSVGItem::Clone(bool applyColor) const {
   auto copy = std::make_shared<cSVGItem>();
-  copy->Init(id_, svgBytes_, friendlyName_, &colorItem_, visible_, filter_, fillOptions_, Settings(), applyColor,
-             initPath_);
+  copy->Init(id_, svgBytes_, friendlyName_, &colorItem_, visible_, filter_, fillOptions_, Settings(),
+             applyColor, initPath_);
   return copy;
 }
 
@@ -63,14 +64,15 @@ void cSVGItem::setSettings(const std::string& text) {
 void cSVGItem::setColorItem(const cColorItem& colour) {
   cColorItem kept = colour.Clone();
   if (filter_ != FilterColor && !EffIsLine()) ResetSVGBYtes();
-  if (filter_ == FilterOriginal || filter_ == FilterGray || filter_ == FilterReplace || filter_ == FilterGradient) {
+  if (filter_ == FilterOriginal || filter_ == FilterGray || filter_ == FilterReplace ||
+      filter_ == FilterGradient) {
     kept.InitColor();
   } else if (filter_ == FilterHSL) {
     kept.InitRGB();  // the H, S, L deltas stay
   }
   colorItem_ = kept;
-  if (filter_ != FilterColor && filter_ != FilterGray && filter_ != FilterReplace && filter_ != FilterColorize &&
-      filter_ != FilterHSL) {
+  if (filter_ != FilterColor && filter_ != FilterGray && filter_ != FilterReplace &&
+      filter_ != FilterColorize && filter_ != FilterHSL) {
     return;
   }
   const std::string text = IsResource ? XML() : ToString(svgBytes_);
@@ -173,8 +175,16 @@ Collection cSVGItem::ColorList(const std::string& text) {
   std::size_t start = 0;
   for (;;) {
     const std::size_t comma = text.find(',', start);
-    const std::string part(TrimBlanks(text.substr(start, comma == std::string::npos ? std::string::npos : comma - start)));
-    out.Add(Value(static_cast<long long>(static_cast<std::int32_t>(Value(part).AsLong()))));
+    const std::string part(
+        TrimBlanks(text.substr(start, comma == std::string::npos ? std::string::npos : comma - start)));
+    // A value that is no number (a damaged preset) reads as no colour, so
+    // that the old and new lists stay paired and nothing matches it.
+    long long colour = -1;
+    try {
+      colour = static_cast<std::int32_t>(Value(part).AsLong());
+    } catch (const AppError&) {
+    }
+    out.Add(Value(colour));
     if (comma == std::string::npos) break;
     start = comma + 1;
   }
@@ -227,7 +237,8 @@ cColorStop cSVGItem::GradStopsItem(int index) const {
   if (index < 0 || index >= GradStopsCount()) return {};
   JsonBag stop;
   stop.Raw() = bag_.Raw()["GradStops"][index];
-  return {stop.GetDouble("Offset"), stop.GetDouble("Alpha", 1), static_cast<std::int32_t>(stop.GetLong("Color"))};
+  return {stop.GetDouble("Offset"), stop.GetDouble("Alpha", 1),
+          static_cast<std::int32_t>(stop.GetLong("Color"))};
 }
 
 void cSVGItem::GradStopsRemove(int index) {

@@ -72,11 +72,12 @@ class cSVGItem {
   void setSvgBytes(const Bytes& bytes);  // re-applies the colour unless the filter is -1
 
   // A snap position as free-position percentages of the canvas.
-  void GetOffsetXY(int pos, double left, double top, double right, double bottom, double zoomedW, double zoomedH,
-                   double canvasW, double canvasH, double& outX, double& outY) const;
+  void GetOffsetXY(int pos, double left, double top, double right, double bottom, double zoomedW,
+                   double zoomedH, double canvasW, double canvasH, double& outX, double& outY) const;
   // Measures the layer on a canvas of W by H (0: the design's canvas) and
   // turns a snap position into a free one, for good.
-  void CalcOffSet(double canvasW, double canvasH, double& zoomedW, double& zoomedH, double& left, double& top);
+  void CalcOffSet(double canvasW, double canvasH, double& zoomedW, double& zoomedH, double& left,
+                  double& top);
   void SetNewOffSet();
   // The library document (Images, or Resources for interface icons).
   Bytes GetSVGBytes() const;
@@ -95,24 +96,36 @@ class cSVGItem {
   void setClipIPath(PathPtr p) { clipIPath_ = std::move(p); }
   const Value& ClipIOverlayID() const { return clipIOverlayId_; }
 
-#define QDS_BAG(Type, Name, Key, Getter, Def)                                 \
-  Type Name() const { return static_cast<Type>(bag_.Getter(Key, Def)); } \
-  void set##Name(Type v) { bag_.Set(Key, v); }
+#define QDS_BAG(Type, Name, Key, Getter, Def)        \
+  Type Name() const {                                \
+    return static_cast<Type>(bag_.Getter(Key, Def)); \
+  }                                                  \
+  void set##Name(Type v) {                           \
+    bag_.Set(Key, v);                                \
+  }
 
   QDS_BAG(double, Width, "Width", GetDouble, 256)
   QDS_BAG(double, Height, "Height", GetDouble, 256)
   QDS_BAG(int, Angle, "Angle", GetLong, 0)
   QDS_BAG(bool, IsOverlay, "IsOverlay", GetBool, false)
   QDS_BAG(bool, UseAsOverlay, "UseAsOverlay", GetBool, false)
-  double OffSetx() const { return bag_.GetDouble("OffsetX", 0); }
+  double OffSetx() const {
+    return bag_.GetDouble("OffsetX", 0);
+  }
   void setOffSetx(double v);  // also Pos and Distance to 0
-  double OffSetY() const { return bag_.GetDouble("OffsetY", 0); }
+  double OffSetY() const {
+    return bag_.GetDouble("OffsetY", 0);
+  }
   void setOffSetY(double v);
   QDS_BAG(double, Opacity, "Opacity", GetDouble, 100)
-  double Distance() const { return bag_.GetDouble("Distance", 0); }
+  double Distance() const {
+    return bag_.GetDouble("Distance", 0);
+  }
   void setDistance(double v);  // also the offsets to 0
   QDS_BAG(double, ZoomPercent, "ZoomPercent", GetDouble, 100)
-  int Pos() const { return static_cast<int>(bag_.GetLong("Pos", 0)); }
+  int Pos() const {
+    return static_cast<int>(bag_.GetLong("Pos", 0));
+  }
   void setPos(int v);  // also the offsets to 0
   QDS_BAG(std::string, Style, "Style", GetString, "")
   QDS_BAG(std::string, Theme, "Theme", GetString, "")
@@ -124,9 +137,13 @@ class cSVGItem {
   QDS_BAG(bool, TextFontUnderline, "TextFontUnderline", GetBool, false)
   QDS_BAG(int, EffType, "EffType", GetLong, 0)
   QDS_BAG(double, EffBlur, "EffBlur", GetDouble, 0)
-  double EffOffsetX() const { return bag_.GetDouble("EffOffsetX", 0); }
+  double EffOffsetX() const {
+    return bag_.GetDouble("EffOffsetX", 0);
+  }
   void setEffOffsetX(double v);  // also Pos and Distance to 0
-  double EffOffsetY() const { return bag_.GetDouble("EffOffsetY", 0); }
+  double EffOffsetY() const {
+    return bag_.GetDouble("EffOffsetY", 0);
+  }
   void setEffOffsetY(double v);
   QDS_BAG(std::string, EffSymbolKey, "EffSymbolKey", GetString, "")
   QDS_BAG(std::string, EffBGKey, "EffBGKey", GetString, "")
@@ -160,7 +177,9 @@ class cSVGItem {
   QDS_BAG(int, EffGlowColor, "EffGlowColor", GetLong, 0xFFFFFF)
   QDS_BAG(bool, EffIsGlow, "EffIsGlow", GetBool, false)
   QDS_BAG(bool, GradRadial, "GradRadial", GetBool, false)
-  double GradAngleDeg() const { return bag_.GetDouble("GradAngleDeg", 0); }
+  double GradAngleDeg() const {
+    return bag_.GetDouble("GradAngleDeg", 0);
+  }
   void setGradAngleDeg(double v);  // 360 is 0; one turn taken off or added
   QDS_BAG(double, GradPointCX, "GradPointCX", GetDouble, 0.1)
   QDS_BAG(double, GradPointCY, "GradPointCY", GetDouble, 0.1)
@@ -168,10 +187,18 @@ class cSVGItem {
 #undef QDS_BAG
 
   // The replacement's colours as collections of colour values.
-  Collection RCOldColor() const { return ColorList(RCOldColorString()); }
-  void setRCOldColor(const Collection* colours) { setRCOldColorString(JoinColors(colours)); }
-  Collection RCNewColor() const { return ColorList(RCNewColorString()); }
-  void setRCNewColor(const Collection* colours) { setRCNewColorString(JoinColors(colours)); }
+  Collection RCOldColor() const {
+    return ColorList(RCOldColorString());
+  }
+  void setRCOldColor(const Collection* colours) {
+    setRCOldColorString(JoinColors(colours));
+  }
+  Collection RCNewColor() const {
+    return ColorList(RCNewColorString());
+  }
+  void setRCNewColor(const Collection* colours) {
+    setRCNewColorString(JoinColors(colours));
+  }
 
   // Gradient stops, kept in the bag as [{"Offset":..,"Color":..,"Alpha":..}].
   int GradStopsCount() const;

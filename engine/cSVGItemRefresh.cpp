@@ -13,8 +13,8 @@
 
 namespace qds {
 
-void cSVGItem::GetOffsetXY(int pos, double L, double T, double R, double B, double zW, double zH, double W, double H,
-                           double& outX, double& outY) const {
+void cSVGItem::GetOffsetXY(int pos, double L, double T, double R, double B, double zW, double zH, double W,
+                           double H, double& outX, double& outY) const {
   if (pos == 0) {
     outX = OffSetx();
     outY = OffSetY();
@@ -34,16 +34,34 @@ void cSVGItem::GetOffsetXY(int pos, double L, double T, double R, double B, doub
   const double bottom = (H - zH) / 2 - H * d + B;
   double X = 0, Y = 0;
   switch (pos) {
-    case 1: X = left, Y = top; break;
-    case 2: X = centreX, Y = top; break;
-    case 3: X = right, Y = top; break;
+    case 1:
+      X = left, Y = top;
+      break;
+    case 2:
+      X = centreX, Y = top;
+      break;
+    case 3:
+      X = right, Y = top;
+      break;
     // Row 4 adds the distance itself, not its share of the width; kept.
-    case 4: X = Distance() + (zW - W) / 2 - L, Y = centreY; break;
-    case 5: X = centreX, Y = centreY; break;
-    case 6: X = right, Y = centreY; break;
-    case 7: X = left, Y = bottom; break;
-    case 8: X = centreX, Y = bottom; break;
-    case 9: X = right, Y = bottom; break;
+    case 4:
+      X = Distance() + (zW - W) / 2 - L, Y = centreY;
+      break;
+    case 5:
+      X = centreX, Y = centreY;
+      break;
+    case 6:
+      X = right, Y = centreY;
+      break;
+    case 7:
+      X = left, Y = bottom;
+      break;
+    case 8:
+      X = centreX, Y = bottom;
+      break;
+    case 9:
+      X = right, Y = bottom;
+      break;
   }
   outX = 100 * X / W;
   outY = 100 * Y / H;
@@ -88,7 +106,9 @@ void cSVGItem::SetNewOffSet() {
   MoveY = 0;
 }
 
-int cSVGItem::SelectionIndex() const { return UseAsOverlay() ? App().OverlayIndex : App().BaseIndex; }
+int cSVGItem::SelectionIndex() const {
+  return UseAsOverlay() ? App().OverlayIndex : App().BaseIndex;
+}
 
 void cSVGItem::setSelectionIndex(int index) {
   AppContext& app = App();

@@ -11,7 +11,9 @@ namespace qds {
 
 namespace {
 
-std::string Join(const ColorChannels& c) { return c[0] + "," + c[1] + "," + c[2]; }
+std::string Join(const ColorChannels& c) {
+  return c[0] + "," + c[1] + "," + c[2];
+}
 
 // Calls `visit` with each colour part's channels and the text between
 // ":rgb(" and the closing parenthesis, as written.
@@ -39,7 +41,8 @@ void WalkColorParts(std::string_view svg, Visit visit) {
       std::size_t from = 0;
       for (;;) {
         const std::size_t comma = inner.find(',', from);
-        if (n < 3) channels[n] = inner.substr(from, comma == std::string::npos ? std::string::npos : comma - from);
+        if (n < 3)
+          channels[n] = inner.substr(from, comma == std::string::npos ? std::string::npos : comma - from);
         ++n;
         if (comma == std::string::npos) break;
         from = comma + 1;
@@ -82,7 +85,7 @@ cColorItem ReplaceColor(const cColorItem& colour, const cSVGItem& layer) {
     const cColorItem old(olds.Item(i).AsLong());
     const auto within = [](const Channel& o, const Channel& c) {
       const double v = c.value_or(0);
-      return *o <= v && v <= *o + 3;
+      return o && *o <= v && v <= *o + 3;
     };
     if (within(old.r(), colour.r()) && within(old.G(), colour.G()) && within(old.B(), colour.B())) {
       cColorItem out = colour;

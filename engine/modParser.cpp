@@ -13,32 +13,50 @@ namespace {
 
 std::uint8_t CommandCode(char c) {
   switch (c) {
-    case 'M': return PathCode::Move;
-    case 'm': return PathCode::RelMove;
-    case 'L': return PathCode::Line;
-    case 'l': return PathCode::RelLine;
-    case 'A': return PathCode::Arc;
-    case 'a': return PathCode::RelArc;
-    case 'H': return PathCode::HLine;
-    case 'h': return PathCode::RelHLine;
-    case 'V': return PathCode::VLine;
-    case 'v': return PathCode::RelVLine;
-    case 'C': return PathCode::Curve;
-    case 'c': return PathCode::RelCurve;
-    case 'S': return PathCode::Smooth;
-    case 's': return PathCode::RelSmooth;
-    case 'Q': return PathCode::Quad;
-    case 'q': return PathCode::RelQuad;
+    case 'M':
+      return PathCode::Move;
+    case 'm':
+      return PathCode::RelMove;
+    case 'L':
+      return PathCode::Line;
+    case 'l':
+      return PathCode::RelLine;
+    case 'A':
+      return PathCode::Arc;
+    case 'a':
+      return PathCode::RelArc;
+    case 'H':
+      return PathCode::HLine;
+    case 'h':
+      return PathCode::RelHLine;
+    case 'V':
+      return PathCode::VLine;
+    case 'v':
+      return PathCode::RelVLine;
+    case 'C':
+      return PathCode::Curve;
+    case 'c':
+      return PathCode::RelCurve;
+    case 'S':
+      return PathCode::Smooth;
+    case 's':
+      return PathCode::RelSmooth;
+    case 'Q':
+      return PathCode::Quad;
+    case 'q':
+      return PathCode::RelQuad;
     case 'Z':
-    case 'z': return PathCode::Close;
-    default: return 0;
+    case 'z':
+      return PathCode::Close;
+    default:
+      return 0;
   }
 }
 
 // The number being read.
 struct Number {
-  bool active = false;     // a digit or sign has been seen
-  bool digits = false;     // a digit has been seen
+  bool active = false;  // a digit or sign has been seen
+  bool digits = false;  // a digit has been seen
   bool fraction = false;
   bool exponent = false;
   bool expNegative = false;

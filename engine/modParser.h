@@ -26,7 +26,8 @@ constexpr std::uint8_t Move = 1, RelMove = 2, Line = 3, RelLine = 4, Arc = 5, Re
 void ParsePoints(std::string_view d, std::vector<float>& numbers, std::vector<std::uint8_t>& codes);
 
 // Draws parsed path data on the context's current path.
-void RenderPath(DrawingContext& ctx, const std::vector<float>& numbers, const std::vector<std::uint8_t>& codes);
+void RenderPath(DrawingContext& ctx, const std::vector<float>& numbers,
+                const std::vector<std::uint8_t>& codes);
 
 // One path per "path" element of the document, in order. Other shapes,
 // transforms and nesting are not read: library documents hold plain paths.

@@ -8,7 +8,8 @@
 
 namespace qds {
 
-Margins GetInnerDimensions(const SurfacePtr& scratch, const Bytes& svg, double& scale, double angle, bool keep) {
+Margins GetInnerDimensions(const SurfacePtr& scratch, const Bytes& svg, double& scale, double angle,
+                           bool keep) {
   const auto clear = [&] {
     DrawingContext ctx(scratch);
     ctx.SetOperator(Op::Clear);

@@ -14,7 +14,8 @@ namespace {
 
 std::vector<cColorItem> Colours(const cSVGItem& item) {
   std::vector<cColorItem> out;
-  for (const ColorChannels& c : ColorParts(ToString(item.SvgBytes()))) out.push_back(ColorArrayToColorItem(c));
+  for (const ColorChannels& c : ColorParts(ToString(item.SvgBytes())))
+    out.push_back(ColorArrayToColorItem(c));
   return out;
 }
 

@@ -47,7 +47,8 @@ TEST(LayerItem, AnEmptyBagAnswersEveryDefaultAndSettingsKeepTheirOrder) {
 
   // The text survives a round trip member for member.
   cSVGItem copy;
-  const std::string text = R"({"TextContent":"Grüße \"A\"","Angle":45,"ZoomPercent":80.5,"GradStops":[{"Offset":0,"Color":255,"Alpha":1}],"Unknown":[1]})";
+  const std::string text =
+      R"({"TextContent":"Grüße \"A\"","Angle":45,"ZoomPercent":80.5,"GradStops":[{"Offset":0,"Color":255,"Alpha":1}],"Unknown":[1]})";
   copy.Init(Value(7), {}, "x", nullptr, true, -1, 2, text);
   EXPECT_EQ(copy.Settings(), text);
   EXPECT_EQ(copy.Angle(), 45);
@@ -70,7 +71,8 @@ TEST(LayerItem, AnEmptyBagAnswersEveryDefaultAndSettingsKeepTheirOrder) {
 TEST(LayerItem, GradientsColourListsAndSelectionFollowTheirRules) {
   StartedApp s;
   cSVGItem item;
-  for (const auto& [in, out] : std::vector<std::pair<double, double>>{{360, 0}, {-90, 270}, {450, 90}, {800, 440}}) {
+  for (const auto& [in, out] :
+       std::vector<std::pair<double, double>>{{360, 0}, {-90, 270}, {450, 90}, {800, 440}}) {
     item.setGradAngleDeg(in);
     EXPECT_EQ(item.GradAngleDeg(), out) << in;
   }

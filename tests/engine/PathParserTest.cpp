@@ -136,7 +136,8 @@ TEST(PathParser, LibraryOutlinesMatchWhatTheRendererDraws) {
       const auto paths = GetCairoPathsFromSVG(svg);
       ASSERT_EQ(paths.Count(), static_cast<int>(styles.size()));
       for (int i = 0; i < paths.Count(); ++i) {
-        ctx.SetFillRule(styles[i].find("evenodd") != std::string::npos ? FillRule::EvenOdd : FillRule::Winding);
+        ctx.SetFillRule(styles[i].find("evenodd") != std::string::npos ? FillRule::EvenOdd
+                                                                       : FillRule::Winding);
         ctx.AppendPath(*paths.Item(i));
         ctx.Fill();
       }
@@ -198,7 +199,7 @@ TEST(ClipPaths, FormsBackgroundsAndRemovalOfClipDefinitions) {
   const std::string cleaned = RemoveClipPaths(clipped);
   EXPECT_EQ(cleaned.find("clip1"), std::string::npos);
   EXPECT_EQ(cleaned.find("clip-rule"), std::string::npos);
-  EXPECT_EQ(cleaned.find("<defs"), std::string::npos);  // left empty, so gone
+  EXPECT_EQ(cleaned.find("<defs"), std::string::npos);                     // left empty, so gone
   EXPECT_NE(cleaned.find(R"(<clipPath id="other">)"), std::string::npos);  // not named "clip..."
   EXPECT_NE(cleaned.find(R"(<path d="M1 1h2v2z"/>)"), std::string::npos);
   EXPECT_EQ(RemoveClipPaths("<svg>\n  <g/></svg>"), "<svg>\n  <g/></svg>");  // nothing to remove

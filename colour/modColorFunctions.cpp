@@ -50,23 +50,23 @@ void SplitColorToRGB(std::int64_t colour, std::uint8_t& r, std::uint8_t& g, std:
   r = c & 0xFF, g = (c >> 8) & 0xFF, b = (c >> 16) & 0xFF;
 }
 
+double PercentValue(const std::string& text) {
+  std::string number;
+  for (char c : text) {
+    if (c != '%') number += c;
+  }
+  try {
+    return Value(number).AsDouble();
+  } catch (...) {
+    return 0;
+  }
+}
+
 cColorItem ColorArrayToColorItem(const std::array<std::string, 3>& percent) {
   cColorItem out;
-  Channel channels[3];
-  for (int i = 0; i < 3; ++i) {
-    std::string text;
-    for (char c : percent[i]) {
-      if (c != '%') text += c;
-    }
-    double v = 0;
-    try {
-      v = Value(text).AsDouble();
-    } catch (...) {
-      v = 0;
-    }
-    channels[i] = std::floor(v / 100 * 255);
-  }
-  out.setr(channels[0]), out.setG(channels[1]), out.setB(channels[2]);
+  out.setr(std::floor(PercentValue(percent[0]) / 100 * 255));
+  out.setG(std::floor(PercentValue(percent[1]) / 100 * 255));
+  out.setB(std::floor(PercentValue(percent[2]) / 100 * 255));
   return out;
 }
 

@@ -17,6 +17,9 @@ void HEXtoRGB(const std::string& hex, std::uint8_t& r, std::uint8_t& g, std::uin
 std::string RGBtoHex(std::uint8_t r, std::uint8_t g, std::uint8_t b);  // six upper-case digits
 void SplitColorToRGB(std::int64_t colour, std::uint8_t& r, std::uint8_t& g, std::uint8_t& b);
 
+// The number of a percent string ("50.2%"), read with a point; 0 when it
+// is no number.
+double PercentValue(const std::string& text);
 // Three percent strings ("50%") to r, G, B, each truncated down: 50% is 127.
 cColorItem ColorArrayToColorItem(const std::array<std::string, 3>& percent);
 cColorItem RGBToGray(const cColorItem& c);

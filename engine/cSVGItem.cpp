@@ -122,40 +122,29 @@ void cSVGItem::ReApply() {
   if (filter_ != FilterOriginal && !rebuilding_) setColorItem(colorItem_.Clone());
 }
 
+void cSVGItem::SetOverriding(const char* key, double v, const char* cleared1, const char* cleared2) {
+  bag_.Set(key, v);
+  bag_.Set(cleared1, 0);
+  bag_.Set(cleared2, 0);
+}
+
 void cSVGItem::setOffSetx(double v) {
-  bag_.Set("OffsetX", v);
-  bag_.Set("Pos", 0);
-  bag_.Set("Distance", 0);
+  SetOverriding("OffsetX", v, "Pos", "Distance");
 }
-
 void cSVGItem::setOffSetY(double v) {
-  bag_.Set("OffsetY", v);
-  bag_.Set("Pos", 0);
-  bag_.Set("Distance", 0);
+  SetOverriding("OffsetY", v, "Pos", "Distance");
 }
-
 void cSVGItem::setDistance(double v) {
-  bag_.Set("Distance", v);
-  bag_.Set("OffsetX", 0);
-  bag_.Set("OffsetY", 0);
+  SetOverriding("Distance", v, "OffsetX", "OffsetY");
 }
-
 void cSVGItem::setPos(int v) {
-  bag_.Set("Pos", v);
-  bag_.Set("OffsetX", 0);
-  bag_.Set("OffsetY", 0);
+  SetOverriding("Pos", v, "OffsetX", "OffsetY");
 }
-
 void cSVGItem::setEffOffsetX(double v) {
-  bag_.Set("EffOffsetX", v);
-  bag_.Set("Pos", 0);
-  bag_.Set("Distance", 0);
+  SetOverriding("EffOffsetX", v, "Pos", "Distance");
 }
-
 void cSVGItem::setEffOffsetY(double v) {
-  bag_.Set("EffOffsetY", v);
-  bag_.Set("Pos", 0);
-  bag_.Set("Distance", 0);
+  SetOverriding("EffOffsetY", v, "Pos", "Distance");
 }
 
 void cSVGItem::setGradAngleDeg(double v) {

@@ -214,6 +214,10 @@ class cSVGItem {
   JsonBag::Json& GradStops();  // made on first use
   void ReApply();
   void CopyClipFrom(const cSVGItem& symbol);
+  // Takes the picture of the effect's symbol; answers the symbol's clone.
+  SVGItemPtr FollowSymbol();
+  // Writes `key` and sets the two keys it overrides to 0.
+  void SetOverriding(const char* key, double v, const char* cleared1, const char* cleared2);
   void RefreshText();
   void RefreshClipWithIcon();
   bool RefreshGlow();

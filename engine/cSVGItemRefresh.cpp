@@ -173,13 +173,10 @@ void cSVGItem::RefreshClipWithIcon() {
   clipIOverlayId_ = overlay->ID();
 }
 
-bool cSVGItem::RefreshGlow() {
-  if (EffType() != 5) return true;
-  ItemCollection& layers = App().Layers;
-  if (!layers.Exists(EffSymbolKey())) return false;
-  const SVGItemPtr symbol = layers.Item(EffSymbolKey())->Clone();
+SVGItemPtr cSVGItem::FollowSymbol() {
+  const SVGItemPtr symbol = App().Layers.Item(EffSymbolKey())->Clone();
   double zW, zH, L, T;
-  symbol->CalcOffSet(0, 0, zW, zH, L, T);
+  symbol->CalcOffSet(0, 0, zW, zH, L, T);  // a snap position becomes an offset
   id_ = symbol->ID();
   svgBytes_ = symbol->SvgBytes();
   setStyle(symbol->Style());
@@ -187,6 +184,13 @@ bool cSVGItem::RefreshGlow() {
   setAngle(symbol->Angle());
   ReApply();
   setZoomPercent(symbol->ZoomPercent());
+  return symbol;
+}
+
+bool cSVGItem::RefreshGlow() {
+  if (EffType() != 5) return true;
+  if (!App().Layers.Exists(EffSymbolKey())) return false;
+  const SVGItemPtr symbol = FollowSymbol();
   setOffSetx(symbol->OffSetx());
   setOffSetY(symbol->OffSetY());
   CopyClipFrom(*symbol);
@@ -235,18 +239,8 @@ bool cSVGItem::RefreshLongShadow() {
 
 bool cSVGItem::RefreshWallShadow() {
   if (EffType() != 2) return true;
-  ItemCollection& layers = App().Layers;
-  if (!layers.Exists(EffSymbolKey())) return false;
-  const SVGItemPtr symbol = layers.Item(EffSymbolKey())->Clone();
-  double zW, zH, L, T;
-  symbol->CalcOffSet(0, 0, zW, zH, L, T);
-  id_ = symbol->ID();
-  svgBytes_ = symbol->SvgBytes();
-  setStyle(symbol->Style());
-  setTheme(symbol->Theme());
-  setAngle(symbol->Angle());
-  ReApply();
-  setZoomPercent(symbol->ZoomPercent());
+  if (!App().Layers.Exists(EffSymbolKey())) return false;
+  const SVGItemPtr symbol = FollowSymbol();
   setOffSetx(symbol->OffSetx() + EffOffsetX() / 100 * ZoomPercent());
   setOffSetY(symbol->OffSetY() + EffOffsetY() / 100 * ZoomPercent());
   CopyClipFrom(*symbol);

@@ -141,17 +141,8 @@ std::string RGBPercentToRGBValues(std::string text) {
   WalkColorParts(text, [&](const ColorChannels& c, const std::string& inner) {
     std::string whole;
     for (int i = 0; i < 3; ++i) {
-      std::string number;
-      for (char ch : c[i]) {
-        if (ch != '%') number += ch;
-      }
-      double p = 0;
-      try {
-        p = Value(number).AsDouble();
-      } catch (...) {
-      }
       if (i) whole += ",";
-      whole += std::to_string(RoundHalfEven(p / 100 * 255));
+      whole += std::to_string(RoundHalfEven(PercentValue(c[i]) / 100 * 255));
     }
     replacements.emplace_back(":rgb(" + inner + ")", ":rgb(" + whole + ")");
   });

@@ -3,9 +3,11 @@
 // program uses. App() gives the current context; tests make their own with a
 // private application folder through ScopedAppContext.
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <string>
+#include <unordered_map>
 
 #include "engine/cSVGItem.h"
 #include "platform/Collection.h"
@@ -72,6 +74,17 @@ struct AppContext {
   // The design canvas, in pixels.
   int CanvasWidth = 512;
   int CanvasHeight = 512;
+
+  // Pure results kept between draws: margins by document, angle and size;
+  // blurred pictures by picture and radius.
+  std::unordered_map<std::string, std::array<double, 5>> MarginCache;
+  KeyedCollection<std::pair<SurfacePtr, int>> BlurCache;
+  // The global path field size of icon outlines (0: the default, 1024).
+  int PathFieldSize = 0;
+  // Hooks of the canvas: whether a layer shows its selection frame, and
+  // where the selected layer's centre lies.
+  std::function<bool(const cSVGItem& layer)> ShowsSelectionFrame;
+  std::function<void(const cSVGItem& layer, double cx, double cy)> ShowCentre;
 
   // What the start-up shows or asks while there may be no window: the
   // studio puts its message box here, the command line prints.

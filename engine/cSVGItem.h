@@ -14,6 +14,7 @@
 #include "colour/cColorItem.h"
 #include "platform/Bytes.h"
 #include "platform/Collection.h"
+#include "platform/Drawing.h"
 #include "platform/JsonBag.h"
 #include "platform/Path.h"
 #include "platform/Value.h"
@@ -21,6 +22,7 @@
 namespace qds {
 
 class cSVGItem;
+class DrawingContext;
 using SVGItemPtr = std::shared_ptr<cSVGItem>;
 
 class cSVGItem {
@@ -81,6 +83,10 @@ class cSVGItem {
   void SetNewOffSet();
   // The library document (Images, or Resources for interface icons).
   Bytes GetSVGBytes() const;
+
+  // Draws the layer into the square of side Min(width, height) at the top
+  // left of the context, where its settings place it.
+  void RenderTo(DrawingContext& ctx, double width, double height, bool showCentre = false);
 
   int SelectionIndex() const;
   void setSelectionIndex(int index);
@@ -218,6 +224,10 @@ class cSVGItem {
   SVGItemPtr FollowSymbol();
   // Writes `key` and sets the two keys it overrides to 0.
   void SetOverriding(const char* key, double v, const char* cleared1, const char* cleared2);
+  void RenderLine(DrawingContext& ctx, const PathPtr& path, double lineWidth, std::int64_t colour, double W,
+                  double H) const;
+  std::pair<SurfacePtr, int> BlurSurface(const SurfacePtr& surface, double targetW, double targetH,
+                                         const std::string& cacheKey) const;
   void RefreshText();
   void RefreshClipWithIcon();
   bool RefreshGlow();

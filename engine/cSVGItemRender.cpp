@@ -114,7 +114,18 @@ void cSVGItem::RenderTo(DrawingContext& ctx, double width, double height, bool s
   // 2, 3. A square of side S; the margins of the picture at this size.
   const double S = std::min(width, height);
   const double zS = S * Z;
-  const Margins m = MeasureMargins(svgBytes_, Angle(), static_cast<int>(S), static_cast<int>(S));
+  SurfacePtr measured;
+  const Margins m =
+      MeasureMargins(svgBytes_, Angle(), static_cast<int>(S), static_cast<int>(S), nullptr, &measured);
+  // At full zoom and no turn, the picture just measured is exactly the one
+  // the raster cache would draw next: keep it instead of drawing it twice.
+  if (measured && Angle() == 0 && static_cast<int>(zS) == static_cast<int>(S) &&
+      ctx.Surface()->Kind() == SurfaceKind::Image) {
+    const std::string key = CachedSurfaceKey(*this, static_cast<int>(zS));
+    if (app.RenderCache.Count() <= kRenderCacheLimit && !app.RenderCache.Exists(key)) {
+      app.RenderCache.Add(measured, key);
+    }
+  }
   const double L = m.Left * Z, T = m.Top * Z, R = m.Right * Z, B = m.Bottom * Z;
 
   // 4. The background that bounds a wall shadow.
@@ -287,7 +298,7 @@ void cSVGItem::RenderTo(DrawingContext& ctx, double width, double height, bool s
     ctx.SetOperator(fillOptions_);
     if (clipPending) ctx.Clip();
     const int side = static_cast<int>(zS);
-    const std::string key = ContentHash(svgBytes_) + friendlyName_ + "_" + std::to_string(side);
+    const std::string key = CachedSurfaceKey(*this, side);
     const SurfacePtr picture = GetCachedSurface(*this, app.RenderCache, side, kRenderCacheLimit);
     if (O != 100) ctx.PushGroup();
     if (!gradient && EffType() != 4) {

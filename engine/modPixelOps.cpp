@@ -80,20 +80,33 @@ Margins GetInnerDimensions(const SurfacePtr& scratch, const Bytes& svg, double& 
   return m;
 }
 
-Margins MeasureMargins(const Bytes& svg, double angle, int width, int height, double* scale) {
+Margins MeasureMargins(const Bytes& svg, double angle, int width, int height, double* scale,
+                       SurfacePtr* drawn) {
   AppContext& app = App();
   const std::string key = ContentHash(svg) + "|" + FormatDouble(angle) + "|" + std::to_string(width) + "x" +
                           std::to_string(height);
   auto it = app.MarginCache.find(key);
   if (it == app.MarginCache.end()) {
     if (app.MarginCache.size() >= kMaxMargins) app.MarginCache.clear();
+    // A new surface is clear already, and nobody else sees it afterwards:
+    // draw, then measure what is there.
+    SurfacePtr scratch = DrawingSurface::Create(width, height);
+    {
+      DrawingContext ctx(scratch);
+      app.SvgRenderer->Render(ctx, svg, 0, 0, width, height, angle);
+    }
     double s = 0;
-    const Margins m = GetInnerDimensions(DrawingSurface::Create(width, height), svg, s, angle);
+    const Margins m = GetInnerDimensions(scratch, svg, s, angle, true);
     it = app.MarginCache.emplace(key, std::array<double, 5>{m.Left, m.Top, m.Right, m.Bottom, s}).first;
+    if (drawn) *drawn = scratch;
   }
   const auto& v = it->second;
   if (scale && v[4] != 0) *scale = v[4];
   return {v[0], v[1], v[2], v[3]};
+}
+
+std::string CachedSurfaceKey(const cSVGItem& item, int side) {
+  return ContentHash(item.SvgBytes()) + item.FriendlyName() + "_" + std::to_string(side);
 }
 
 Bytes ResizeSVG(const Bytes& svg, int width, int height, bool fit, bool scale, bool vector) {
@@ -117,7 +130,7 @@ Bytes ResizeSVG(const Bytes& svg, int width, int height, bool fit, bool scale, b
 
 SurfacePtr GetCachedSurface(cSVGItem& item, KeyedCollection<SurfacePtr>& cache, int side, int maxEntries,
                             const std::string& backKey, double border, bool gray) {
-  const std::string key = ContentHash(item.SvgBytes()) + item.FriendlyName() + "_" + std::to_string(side);
+  const std::string key = CachedSurfaceKey(item, side);
   if (cache.Count() > maxEntries) cache.Clear();
   const bool present = cache.Exists(key);
   if (item.Angle() == 0 && present) return cache.Item(key);

@@ -30,8 +30,13 @@ Margins GetInnerDimensions(const SurfacePtr& scratch, const Bytes& svg, double& 
                            bool keep = false);
 
 // The same measurement on a fresh width by height scratch surface,
-// remembered by the document's content, the angle and the size.
-Margins MeasureMargins(const Bytes& svg, double angle, int width, int height, double* scale = nullptr);
+// remembered by the document's content, the angle and the size. When it
+// had to draw, `drawn` receives the picture it measured.
+Margins MeasureMargins(const Bytes& svg, double angle, int width, int height, double* scale = nullptr,
+                       SurfacePtr* drawn = nullptr);
+
+// The key of a layer's picture of side `side` in the raster cache.
+std::string CachedSurfaceKey(const cSVGItem& item, int side);
 
 // A new document of W by H with the picture; with `fit` (or `scale`) the
 // picture is scaled to fill the square, centred. `vector` makes the result

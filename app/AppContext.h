@@ -10,6 +10,7 @@
 #include <unordered_map>
 
 #include "engine/cSVGItem.h"
+#include "engine/cUndoRedo.h"
 #include "platform/Collection.h"
 #include "platform/DbConnection.h"
 #include "platform/DbRecordset.h"
@@ -85,6 +86,15 @@ struct AppContext {
   // where the selected layer's centre lies.
   std::function<bool(const cSVGItem& layer)> ShowsSelectionFrame;
   std::function<void(const cSVGItem& layer, double cx, double cy)> ShowCentre;
+
+  // The undo history of the design, and its flags: a snapshot is being
+  // applied; a tool opened for a new layer still owes its snapshot.
+  cUndoRedo UndoRedo;
+  bool ApplyingHistory = false;
+  bool PendingHistory = false;
+  // Told when the layer stack was rebuilt from a snapshot, so that the
+  // layer list can show it and select its top row.
+  std::function<void()> LayersRestored;
 
   // What the start-up shows or asks while there may be no window: the
   // studio puts its message box here, the command line prints.

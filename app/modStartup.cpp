@@ -178,6 +178,7 @@ bool StartWithoutWindow(AppContext& app) {
   app.ImageList().AddFromFile(app.PathOf("DocAndImages/Titlebar.PNG"), "Titlebar");
   SetDocumentsAndLinks(app);
   ReadSettingsFile(app);
+  app.UndoRedo.setMax(app.Config->HistoryMax());
   UpdateDB(app);
   return true;
 }

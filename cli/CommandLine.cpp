@@ -1,9 +1,12 @@
 #include "cli/CommandLine.h"
 
+#include <functional>
 #include <ostream>
 
 #include "app/AppContext.h"
 #include "app/modStartup.h"
+#include "cli/DesignCommands.h"
+#include "platform/Error.h"
 #include "platform/Files.h"
 
 namespace qds {
@@ -18,6 +21,10 @@ void PrintHelp(std::ostream& out) {
       << "Commands:\n"
       << "  init            start without a window: open the library, fill it on\n"
       << "                  the first start, and tell what it holds\n"
+      << "  design list | show NAME | save NAME --from FILE.json [--replace]\n"
+      << "         delete NAME | export-tpl NAME --out FILE.tpl [--replace]\n"
+      << "         import-tpl FILE.tpl [--name NAME] [--replace]\n"
+      << "                  saved designs, as JSON and as template files\n"
       << "\n"
       << "Options:\n"
       << "  --app-dir DIR   use DIR as the application folder instead of the\n"
@@ -26,11 +33,16 @@ void PrintHelp(std::ostream& out) {
       << "  --version       show the version\n";
 }
 
-int Init(const CommandLine& cmd, std::ostream& out, std::ostream& err) {
+// Runs `body` on a program started without a window; 1 when it cannot start.
+int Started(const CommandLine& cmd, std::ostream& err, const std::function<int(AppContext&)>& body) {
   ScopedAppContext app(cmd.appDir ? *cmd.appDir : ExecutableFolder());
   app->ShowMessage = [&err](const std::string& text) { err << text << "\n"; };
   if (!StartWithoutWindow(*app)) return 1;
-  const auto count = [&](const char* sql) { return app->Cnn.Query(sql).Fields(0).AsLong(); };
+  return body(*app);
+}
+
+int Init(AppContext& app, std::ostream& out) {
+  const auto count = [&](const char* sql) { return app.Cnn.Query(sql).Fields(0).AsLong(); };
   out << "Library: " << count("Select Count(*) From Images") << " icons, "
       << count("Select Count(*) From Styles") << " styles, " << count("Select Count(*) From Themes")
       << " themes\n";
@@ -79,7 +91,17 @@ int RunCommand(const CommandLine& cmd, std::ostream& out, std::ostream& err) {
     PrintHelp(out);
     return 0;
   }
-  if (cmd.words.front() == "init") return Init(cmd, out, err);
+  const std::string& what = cmd.words.front();
+  try {
+    if (what == "init") return Started(cmd, err, [&](AppContext& app) { return Init(app, out); });
+    if (what == "design") {
+      const std::vector<std::string> rest(cmd.words.begin() + 1, cmd.words.end());
+      return Started(cmd, err, [&](AppContext& app) { return RunDesignCommand(app, rest, out, err); });
+    }
+  } catch (...) {
+    ReportError(CurrentError("quillaron " + what));
+    return 1;
+  }
   err << "quillaron: unknown command \"" << cmd.words.front() << "\"\n";
   PrintHelp(err);
   return 2;

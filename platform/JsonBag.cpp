@@ -87,10 +87,10 @@ JsonBag JsonBag::FromText(std::string_view text, bool* ok) {
   return bag;
 }
 
-std::string JsonBag::ToString() const {
+std::string JsonBag::ToString(int indent) const {
   Json copy = j_;
   Normalise(copy);
-  return copy.dump(-1, ' ', false, Json::error_handler_t::replace);
+  return copy.dump(indent, ' ', false, Json::error_handler_t::replace);
 }
 
 const JsonBag::Json* JsonBag::Find(std::string_view key) const {

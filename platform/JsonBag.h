@@ -27,7 +27,8 @@ class JsonBag {
   static JsonBag FromText(std::string_view text, bool* ok = nullptr);
   const std::string& LastError() const { return error_; }
 
-  std::string ToString() const;
+  // Compact, or indented by `indent` spaces for people to read.
+  std::string ToString(int indent = -1) const;
 
   int Count() const { return static_cast<int>(j_.size()); }
   bool Has(std::string_view key) const;

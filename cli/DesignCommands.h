@@ -1,0 +1,18 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace qds {
+
+struct AppContext;
+
+// quillaron design list | show NAME | save NAME --from FILE.json [--replace]
+//                | delete NAME | export-tpl NAME --out FILE.tpl [--replace]
+//                | import-tpl FILE.tpl [--name NAME] [--replace]
+// `args` are the words after "design". Returns the exit code.
+int RunDesignCommand(AppContext& app, const std::vector<std::string>& args, std::ostream& out,
+                     std::ostream& err);
+
+}  // namespace qds

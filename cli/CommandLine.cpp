@@ -1,11 +1,15 @@
 #include "cli/CommandLine.h"
 
+#include <unistd.h>
+
 #include <functional>
+#include <iostream>
 #include <ostream>
 
 #include "app/AppContext.h"
 #include "app/modStartup.h"
 #include "cli/DesignCommands.h"
+#include "cli/ExportCommand.h"
 #include "platform/Error.h"
 #include "platform/Files.h"
 
@@ -25,6 +29,9 @@ void PrintHelp(std::ostream& out) {
       << "         delete NAME | export-tpl NAME --out FILE.tpl [--replace]\n"
       << "         import-tpl FILE.tpl [--name NAME] [--replace]\n"
       << "                  saved designs, as JSON and as template files\n"
+      << "  export --design NAME --out DIR [options]\n"
+      << "                  write a design for each icon as PNG, JPG, BMP, ICO or SVG\n"
+      << "                  files (quillaron export --help)\n"
       << "\n"
       << "Options:\n"
       << "  --app-dir DIR   use DIR as the application folder instead of the\n"
@@ -87,13 +94,23 @@ int RunCommand(const CommandLine& cmd, std::ostream& out, std::ostream& err) {
     out << "Quillaron Design Studio " << QDS_VERSION << "\n";
     return 0;
   }
-  if (cmd.help || cmd.words.empty()) {
+  if ((cmd.help && cmd.words.empty()) || cmd.words.empty()) {
     PrintHelp(out);
     return 0;
   }
   const std::string& what = cmd.words.front();
   try {
     if (what == "init") return Started(cmd, err, [&](AppContext& app) { return Init(app, out); });
+    if (what == "export") {
+      const std::vector<std::string> rest(cmd.words.begin() + 1, cmd.words.end());
+      if (cmd.help) {
+        PrintExportHelp(out);
+        return 0;
+      }
+      const bool terminal = &out == &std::cout && ::isatty(STDOUT_FILENO);
+      return Started(cmd, err,
+                     [&](AppContext& app) { return RunExportCommand(app, rest, out, err, terminal); });
+    }
     if (what == "design") {
       const std::vector<std::string> rest(cmd.words.begin() + 1, cmd.words.end());
       return Started(cmd, err, [&](AppContext& app) { return RunDesignCommand(app, rest, out, err); });

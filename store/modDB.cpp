@@ -194,13 +194,23 @@ bool FillCurrentLayerList(AppContext& app, int layerId) {
   try {
     DbRecordset rs = app.Cnn.Query("Select * From LayerEntries Where Layer_ID=" + std::to_string(layerId) +
                                    " Order By OrdIndex");
+    std::vector<std::string> contents;
+    for (; !rs.Eof(); rs.MoveNext()) contents.push_back(rs.Fields("Content").AsString());
+    return FillLayersFromEntries(app, contents);
+  } catch (const AppError&) {
+    return false;
+  }
+}
+
+bool FillLayersFromEntries(AppContext& app, const std::vector<std::string>& contents) {
+  try {
     app.Layers.Clear();
     app.OverlayLayers.Clear();
     app.BaseIcons.Clear();
     std::vector<std::string> derived;
-    for (; !rs.Eof(); rs.MoveNext()) {
+    for (const std::string& content : contents) {
       cLayersEntries entry;
-      if (!entry.setContent(rs.Fields("Content").AsString())) continue;
+      if (!entry.setContent(content)) continue;
       const std::string key = entry.Key();
       SVGItemPtr item;
       if (entry.IsBaseEntry()) {

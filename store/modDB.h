@@ -3,6 +3,7 @@
 // back, and the rows of colour filters and tool presets.
 
 #include <string>
+#include <vector>
 
 #include "app/AppContext.h"
 #include "engine/cLayersEntries.h"
@@ -24,6 +25,8 @@ bool WriteLayerEntry(AppContext& app, int layerId, int position, const std::stri
 // Rebuilds Layers, BaseIcons and OverlayLayers from the design's rows.
 // Icons that have left the library become the stand-in icon.
 bool FillCurrentLayerList(AppContext& app, int layerId);
+// The same from the entries' contents, in stack order, as a file holds them.
+bool FillLayersFromEntries(AppContext& app, const std::vector<std::string>& contents);
 void ValidateImageIDs(AppContext& app, cLayersEntries& entry);
 
 // The full query of images with their style and theme, followed by `condition`.

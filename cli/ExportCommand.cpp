@@ -1,0 +1,270 @@
+#include "cli/ExportCommand.h"
+
+#include <chrono>
+#include <cstdio>
+#include <map>
+#include <ostream>
+#include <set>
+
+#include "app/AppContext.h"
+#include "app/modTexts.h"
+#include "engine/cLayersEntries.h"
+#include "export/cIcoResWriter.h"
+#include "export/modExport.h"
+#include "platform/Error.h"
+#include "platform/Files.h"
+#include "platform/TextUtil.h"
+#include "platform/Value.h"
+#include "store/modDB.h"
+#include "store/modTemplates.h"
+
+namespace qds {
+
+namespace {
+
+const std::set<std::string> kSwitches = {"--adjust-size",       "--no-size-ext",     "--remove-blank",
+                                         "--rename-duplicates", "--overwrite",       "--folder-per-format",
+                                         "--folder-per-size",   "--percent-colours", "--help"};
+
+struct Fail {
+  std::string message;
+};
+
+std::string Say(AppContext& app, const std::string& key) {
+  const std::string text = LanguageText(app, key).Text;
+  return text.empty() ? key : text;
+}
+
+int Number(const std::string& flag, const std::string& text, int min, int max) {
+  try {
+    const std::int64_t v = Value(text).AsLong();
+    if (v >= min && v <= max && !TrimBlanks(text).empty()) return static_cast<int>(v);
+  } catch (const AppError&) {
+  }
+  throw Fail{flag + " takes a whole number from " + std::to_string(min) + " to " + std::to_string(max) +
+             ", not \"" + text + "\""};
+}
+
+// A list of library IDs, checked so that nothing else reaches the query.
+std::string IdList(const std::string& text) {
+  std::string out;
+  for (const std::string& part : SplitSizes(text)) {
+    out += (out.empty() ? "" : ",") + std::to_string(Number("--ids", part, 1, 2147483647));
+  }
+  return out;
+}
+
+int IdOf(AppContext& app, const char* table, const std::string& name) {
+  DbRecordset rs = app.Cnn.Query(std::string("Select ID From ") + table + " Where Name = '" + SqlText(name) +
+                                 "' COLLATE NOCASE");
+  if (rs.Eof())
+    throw Fail{std::string("there is no ") + (table[0] == 'S' ? "style" : "theme") + " \"" + name + "\""};
+  return static_cast<int>(rs.Fields(0).AsLong());
+}
+
+class CommandLineObserver : public ExportObserver {
+ public:
+  CommandLineObserver(AppContext& app, std::ostream& out, std::ostream& err, bool terminal, bool overwrite)
+      : app_(app), out_(out), err_(err), terminal_(terminal), overwrite_(overwrite) {}
+  void Progress(int done, int total, const std::string&) override {
+    if (!terminal_ || total == 0) return;
+    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+    const int width = 30, filled = done * width / total;
+    char rate[32];
+    std::snprintf(rate, sizeof rate, "%.1f/s", seconds > 0 ? done / seconds : 0.0);
+    out_ << "\r[" << std::string(filled, '#') << std::string(width - filled, '.') << "] " << done << "/"
+         << total << "  " << rate << std::flush;
+  }
+  int AskOverwrite(const std::string&) override { return overwrite_ ? Answer::YesToAll : Answer::No; }
+  void Message(const std::string& key, const std::string& detail) override {
+    if (terminal_) out_ << "\n";
+    err_ << (detail.empty() ? "" : detail + ": ") << Say(app_, key) << "\n";
+  }
+  double Seconds() const {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+  }
+
+ private:
+  AppContext& app_;
+  std::ostream& out_;
+  std::ostream& err_;
+  bool terminal_, overwrite_;
+  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+}  // namespace
+
+void PrintExportHelp(std::ostream& out) {
+  out << "Usage: quillaron [--app-dir DIR] export (--design NAME | --design-file FILE.json) --out DIR "
+         "[options]\n"
+         "\n"
+         "Draws a saved design for each base icon and writes one file per icon.\n"
+         "\n"
+         "  --design NAME          a design saved in the library\n"
+         "  --design-file FILE     a design file (JSON), used without saving it\n"
+         "  --out DIR              the folder to write to; it must exist\n"
+         "  --format F             PNG (default), JPG, BMP, ICO or SVG\n"
+         "  --size WxH             picture size, default 256x256 (ICO is always 256)\n"
+         "  --adjust-size          trim the transparent margins\n"
+         "  --ico-sizes LIST       sizes of an ICO file, default 16,20,24,32,40,48,64,256;\n"
+         "                         the last one is stored as PNG\n"
+         "  --ids 1,2,3            the base icons by library ID\n"
+         "  --style S --theme T    the base icons of a style and/or theme\n"
+         "  --search TEXT          the base icons whose name or synonyms hold TEXT\n"
+         "                         (without these, the icons saved with the design)\n"
+         "  --prefix TEXT          put before every name\n"
+         "  --delimiter TEXT       between the parts of a name, default _\n"
+         "  --name base|overlay|TEXT   the name part, default base\n"
+         "  --ext base|overlay|none|TEXT  the part after the name, default none\n"
+         "  --no-size-ext          no size at the end of the name\n"
+         "  --remove-blank         remove blanks from names\n"
+         "  --rename-duplicates    add -Duplicate1, -Duplicate2 ... to names that exist\n"
+         "  --overwrite            replace existing files (else they are skipped and counted)\n"
+         "  --quality N            JPG quality, 10 to 100, default 90\n"
+         "  --bg RRGGBB            background of JPG and BMP, default FFFFFF\n"
+         "  --folder-per-format    write into a sub-folder per format\n"
+         "  --folder-per-size      write into a sub-folder per size\n"
+         "  --percent-colours      keep SVG colours in per cent\n";
+}
+
+int RunExportCommand(AppContext& app, const std::vector<std::string>& args, std::ostream& out,
+                     std::ostream& err, bool terminal) {
+  std::map<std::string, std::string> opt;
+  for (std::size_t i = 0; i < args.size(); ++i) {
+    if (kSwitches.count(args[i])) {
+      opt[args[i]] = "";
+    } else if (args[i].rfind("--", 0) == 0 && i + 1 < args.size()) {
+      opt[args[i]] = args[i + 1];
+      ++i;
+    } else {
+      err << "quillaron export: unknown argument \"" << args[i] << "\" (see quillaron export --help)\n";
+      return 2;
+    }
+  }
+  if (opt.count("--help")) {
+    PrintExportHelp(out);
+    return 0;
+  }
+  const auto has = [&](const char* o) { return opt.count(o) > 0; };
+  try {
+    ExportOptions o;
+    o.Format = has("--format") ? opt["--format"] : "PNG";
+    for (char& c : o.Format) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    if (o.Format != "PNG" && o.Format != "JPG" && o.Format != "BMP" && o.Format != "ICO" &&
+        o.Format != "SVG") {
+      throw Fail{"unknown format \"" + opt["--format"] + "\": PNG, JPG, BMP, ICO or SVG"};
+    }
+    o.Width = o.Height = 256;
+    if (has("--size")) {
+      const std::string size = opt["--size"];
+      const std::size_t x = size.find_first_of("xX");
+      if (x == std::string::npos) throw Fail{"--size takes WxH, such as 64x64"};
+      o.Width = Number("--size", size.substr(0, x), 1, 8192);
+      o.Height = Number("--size", size.substr(x + 1), 1, 8192);
+    }
+    if (has("--ico-sizes")) {
+      for (const std::string& s : SplitSizes(opt["--ico-sizes"])) Number("--ico-sizes", s, 1, 1024);
+      o.IcoSizes = opt["--ico-sizes"];
+    }
+    if (!has("--out")) throw Fail{"--out DIR is needed"};
+    o.Folder = opt["--out"];
+    o.AdjustSize = has("--adjust-size");
+    o.Prefix = opt["--prefix"];
+    if (has("--delimiter")) o.Delimiter = opt["--delimiter"];
+    const auto part = [&](const char* flag, ExportOptions::Part def, std::string& text) {
+      if (!has(flag)) return def;
+      const std::string v = opt[flag];
+      if (v == "base") return ExportOptions::Part::Base;
+      if (v == "overlay") return ExportOptions::Part::Overlay;
+      if (v == "none") return ExportOptions::Part::None;
+      text = v;
+      return ExportOptions::Part::Text;
+    };
+    o.NamePart = part("--name", ExportOptions::Part::Base, o.NameText);
+    o.ExtPart = part("--ext", ExportOptions::Part::None, o.ExtText);
+    o.SizeExt = !has("--no-size-ext");
+    o.RemoveBlank = has("--remove-blank");
+    o.RenameDuplicates = has("--rename-duplicates");
+    if (has("--quality")) o.JPGQuality = Number("--quality", opt["--quality"], 10, 100);
+    if (has("--bg")) {
+      const std::string hex = opt["--bg"];
+      if (hex.size() != 6 || hex.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {
+        throw Fail{"--bg takes six hexadecimal digits RRGGBB"};
+      }
+      const auto v = std::stoul(hex, nullptr, 16);
+      o.BackgroundColor = ((v & 0xFF) << 16) | (v & 0xFF00) | ((v >> 16) & 0xFF);
+    }
+    o.CreateFolderFormat = has("--folder-per-format");
+    o.CreateFolderSize = has("--folder-per-size");
+    o.ColorsinPerc = has("--percent-colours");
+    if (!FolderExists(o.Folder)) {
+      err << o.Folder << ": " << Say(app, "FolderMissing") << "\n";
+      return 1;
+    }
+
+    // The design, from the library or from a file.
+    if (has("--design") == has("--design-file"))
+      throw Fail{"give either --design NAME or --design-file FILE"};
+    DesignFile design;
+    if (has("--design")) {
+      const int id = FindDesign(app, opt["--design"]);
+      if (id == 0) throw Fail{"no design is named \"" + opt["--design"] + "\""};
+      design = *ReadDesign(app, id);
+    } else {
+      const std::optional<DesignFile> read = ReadDesignJson(ReadAllText(opt["--design-file"]));
+      if (!read) throw Fail{opt["--design-file"] + ": " + Say(app, "InvalidFile")};
+      design = *read;
+    }
+    // Other base icons than the design's own become its base entry's icons.
+    if (has("--ids") || has("--style") || has("--theme") || has("--search")) {
+      const int style = has("--style") ? IdOf(app, "Styles", opt["--style"]) : 0;
+      const int theme = has("--theme") ? IdOf(app, "Themes", opt["--theme"]) : 0;
+      std::string condition;
+      if (has("--ids")) condition = "[Images].ID In (" + IdList(opt["--ids"]) + ")";
+      if (has("--search")) {
+        const std::string t = SqlText(opt["--search"]);
+        condition = "([Images].Name like '%" + t + "%' or [Images].Synonyms like '%" + t + "%')";
+      }
+      ItemCollection chosen;
+      AddBaseSVGs(app, style, theme, condition, chosen);
+      if (chosen.Empty()) throw Fail{"no library icon matches"};
+      std::string ids;
+      for (const auto& e : chosen) ids += (ids.empty() ? "" : ",") + e.Item->ID().AsString();
+      bool hasBaseEntry = false;
+      for (std::string& content : design.Contents) {
+        cLayersEntries entry;
+        if (!entry.setContent(content) || !entry.IsBaseEntry()) continue;
+        entry.setImageIDs(ids);
+        content = entry.Content();
+        hasBaseEntry = true;
+      }
+      if (!hasBaseEntry) throw Fail{"the design has no base layer to take the icons"};
+    }
+    if (!FillLayersFromEntries(app, design.Contents)) throw Fail{Say(app, "LoadError")};
+    if (app.Layers.Empty()) throw Fail{"the design has nothing to draw"};
+    app.DesignOpacity = design.Opacity;
+    app.DesignOpacityOn = design.UseOpacity;
+
+    if (app.Layers.Exists("_Overlay") && app.Layers.Item("_Overlay")->UseAsOverlay()) {
+      const std::string style = SqlText(app.Layers.Item("_Overlay")->Style());
+      AddBaseSVGs(app, 0, 0, "Overlay=-1 and [Styles].Name='" + style + "'", app.OverlayLayers);
+      o.ExportHasOverlayIcons = true;
+    }
+
+    CommandLineObserver observer(app, out, err, terminal, has("--overwrite"));
+    const ExportResult r = RunExport(app, o, observer);
+    if (terminal && r.Images > 0) out << "\n";
+    char seconds[32];
+    std::snprintf(seconds, sizeof seconds, "%.1f", observer.Seconds());
+    out << r.Written << " files written, " << r.Skipped << " skipped, " << seconds << " s\n";
+    return r.Error.empty() ? 0 : 1;
+  } catch (const Fail& f) {
+    err << "quillaron export: " << f.message << "\n";
+    return 1;
+  } catch (const AppError& e) {
+    err << "quillaron export: " << e.Description() << "\n";
+    return 1;
+  }
+}
+
+}  // namespace qds

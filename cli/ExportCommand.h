@@ -1,0 +1,17 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace qds {
+
+struct AppContext;
+
+// quillaron export --design NAME | --design-file FILE.json  --out DIR ...
+// `args` are the words after "export"; `terminal` shows a progress bar.
+int RunExportCommand(AppContext& app, const std::vector<std::string>& args, std::ostream& out,
+                     std::ostream& err, bool terminal);
+void PrintExportHelp(std::ostream& out);
+
+}  // namespace qds

@@ -14,18 +14,14 @@ exe="$build/app/quillaron"
 ref="$build/bench/export_reference"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+. "$(dirname "$0")/common.sh"
 
 app="$work/app"
-mkdir -p "$app/Database" "$app/Dat" "$app/DocAndImages"
-cp "$build/shipped/Library.db" "$build/shipped/Resources.db" "$app/Database/"
-cp tools/data/Quillaron.ini "$app/Dat/"
-cp tools/data/Quillaron.svg "$app/DocAndImages/"
+new_app_folder "$build" "$app"
 "$exe" --app-dir "$app" init > /dev/null
 ids=$("$ref" --app-dir "$app" --ids)
 "$ref" --app-dir "$app" --designs "$work"
 
-now_ms() { date +%s%N | awk '{printf "%.1f", $1 / 1e6}'; }
-median() { sort -n | awk '{a[NR]=$1} END {print a[int((NR + 1) / 2)]}'; }
 # Runs a command $runs times into a fresh folder each time; prints the median ms.
 timed() {
   local times=()

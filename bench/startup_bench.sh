@@ -10,20 +10,14 @@ set -euo pipefail
 build=${1:-build}
 runs=${2:-5}
 exe="$build/app/quillaron"
-shipped="$build/shipped"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-
-now_ms() { date +%s%N | awk '{printf "%.1f", $1 / 1e6}'; }
-median() { sort -n | awk '{a[NR]=$1} END {print a[int((NR + 1) / 2)]}'; }
+. "$(dirname "$0")/common.sh"
 
 ref=() first=() later=()
 for i in $(seq "$runs"); do
   app="$work/app$i"
-  mkdir -p "$app/Database" "$app/Dat" "$app/DocAndImages"
-  cp "$shipped/Library.db" "$shipped/Resources.db" "$app/Database/"
-  cp tools/data/Quillaron.ini "$app/Dat/"
-  cp tools/data/Quillaron.svg "$app/DocAndImages/"
+  new_app_folder "$build" "$app"
   t0=$(now_ms); "$exe" --version > /dev/null; t1=$(now_ms)
   "$exe" --app-dir "$app" init > /dev/null; t2=$(now_ms)
   "$exe" --app-dir "$app" init > /dev/null; t3=$(now_ms)

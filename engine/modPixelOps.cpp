@@ -316,10 +316,12 @@ PathPtr GetShadowPathFromShape(const std::string& symbolKey, const std::string& 
     background->setColorItem(cColorItem(kDummy));
     draw(*background);
     // Drawn without antialias: every pixel either the dummy colour or none.
+    // Only the W by H corner is read below, so only it is sorted.
     PixelView v = surface->Pixels();
-    for (int i = 0; i < sw * sh; ++i) {
-      std::int32_t& p = v.Longs()[i];
-      p = (static_cast<std::uint32_t>(p) >> 24) >= 128 ? kDummy : 0;
+    const int maxX = std::min(static_cast<int>(W), sw), maxY = std::min(static_cast<int>(H), sh);
+    for (int y = 0; y < maxY; ++y) {
+      std::int32_t* row = v.Longs() + static_cast<std::size_t>(y) * sw;
+      for (int x = 0; x < maxX; ++x) row[x] = (static_cast<std::uint32_t>(row[x]) >> 24) >= 128 ? kDummy : 0;
     }
   }
   draw(*symbol);

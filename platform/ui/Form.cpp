@@ -1,0 +1,214 @@
+#include "platform/ui/Form.h"
+
+#include <cmath>
+
+#include "platform/DrawingContext.h"
+#include "platform/DrawingSurface.h"
+#include "platform/Error.h"
+#include "platform/ui/PlatformRoot.h"
+
+namespace qds {
+
+namespace {
+
+// Paints a widget and, over it, its children, each clipped to itself and
+// with its own top-left corner at the origin.
+void PaintTree(Widget& w, DrawingContext& ctx) {
+  ctx.Save();
+  ctx.Rectangle(0, 0, w.Width(), w.Height());
+  ctx.Clip();
+  w.W_Paint(ctx, w.Width(), w.Height());
+  for (int i = 0; i < w.Children().Count(); ++i) {
+    Widget& child = w.Children().Item(i);
+    if (!child.Visible()) continue;
+    ctx.Save();
+    ctx.Translate(child.Left(), child.Top());
+    PaintTree(child, ctx);
+    ctx.Restore();
+  }
+  ctx.Restore();
+}
+
+Widget* Deepest(Widget& w, double x, double y) {
+  // The last child is on top, so it is asked first.
+  for (int i = w.Children().Count() - 1; i >= 0; --i) {
+    Widget& c = w.Children().Item(i);
+    if (!c.Visible() || !c.Enabled()) continue;
+    if (x >= c.Left() && y >= c.Top() && x < c.Left() + c.Width() && y < c.Top() + c.Height()) {
+      return Deepest(c, x - c.Left(), y - c.Top());
+    }
+  }
+  return &w;
+}
+
+bool Within(const Widget& ancestor, const Widget* w) {
+  for (; w; w = w->Parent()) {
+    if (w == &ancestor) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+cfForm::cfForm() : Widget("cfForm") {
+  CanFocus = true;
+}
+
+cfForm::~cfForm() {
+  if (PlatformRoot* root = PlatformRoot::Current(); root && showing_) root->FormClosed(*this);
+}
+
+void cfForm::setZoom(double zoom) {
+  zoom_ = zoom > 0 ? zoom : 1;
+  surface_.reset();
+  Invalidate();
+}
+
+void cfForm::Show() {
+  if (showing_) return;
+  showing_ = true;
+  Invalidate();
+  if (PlatformRoot* root = PlatformRoot::Current()) root->FormShown(*this);
+}
+
+bool cfForm::Close() {
+  if (!showing_) return true;
+  if (!Form_QueryUnload()) return false;
+  Form_Unload();
+  showing_ = false;
+  if (PlatformRoot* root = PlatformRoot::Current()) root->FormClosed(*this);
+  return true;
+}
+
+const SurfacePtr& cfForm::Surface() {
+  const int w = std::max(1, static_cast<int>(std::lround(Width() * zoom_)));
+  const int h = std::max(1, static_cast<int>(std::lround(Height() * zoom_)));
+  if (!surface_ || surface_->Width() != w || surface_->Height() != h) {
+    surface_ = DrawingSurface::Create(w, h);
+    dirty_ = true;
+  }
+  if (dirty_) Paint();
+  return surface_;
+}
+
+void cfForm::Paint() {
+  if (!surface_) {
+    Surface();
+    return;
+  }
+  dirty_ = false;
+  DrawingContext ctx(surface_);
+  ctx.Scale(zoom_, zoom_);
+  ctx.SetSourceColor(BackColor);
+  ctx.Paint();
+  // A widget that fails to paint must not take the window with it.
+  RunHandler(TypeName() + ":W_Paint", HandlerMode::Silent, [&] { PaintTree(*this, ctx); });
+}
+
+Widget& cfForm::HitTest(double x, double y) {
+  return *Deepest(*this, x / zoom_, y / zoom_);
+}
+
+template <class Handler>
+void cfForm::Route(Widget* start, double fx, double fy, Handler handler) {
+  // From the widget up to the form, until one takes the input; each gets
+  // the point in its own coordinates.
+  for (Widget* w = start; w; w = w->Parent()) {
+    double ox, oy;
+    w->FormPosition(ox, oy);
+    bool taken = false;
+    RunHandler(w->TypeName() + ":input", HandlerMode::Report, [&] { taken = handler(*w, fx - ox, fy - oy); });
+    if (taken) return;
+  }
+}
+
+void cfForm::UpdateHover(Widget* now) {
+  if (now == hover_) return;
+  Widget* old = hover_;
+  hover_ = now;
+  if (old) RunHandler(old->TypeName() + ":W_MouseLeave", HandlerMode::Report, [&] { old->W_MouseLeave(); });
+  if (now) RunHandler(now->TypeName() + ":W_MouseEnter", HandlerMode::Report, [&] { now->W_MouseEnter(); });
+}
+
+void cfForm::MouseDown(int button, int shift, double x, double y) {
+  if (disabledByModal_) return;
+  Widget* target = capture_ ? capture_ : &HitTest(x, y);
+  // A press gives the focus to the first widget up the tree that takes it.
+  for (Widget* w = target; w; w = w->Parent()) {
+    if (w->CanFocus) {
+      SetFocusTo(w);
+      break;
+    }
+  }
+  Route(target, x / zoom_, y / zoom_,
+        [&](Widget& w, double lx, double ly) { return w.W_MouseDown(button, shift, lx, ly); });
+}
+
+void cfForm::MouseMove(int button, int shift, double x, double y) {
+  if (disabledByModal_) return;
+  Widget* under = &HitTest(x, y);
+  UpdateHover(under);
+  Route(capture_ ? capture_ : under, x / zoom_, y / zoom_,
+        [&](Widget& w, double lx, double ly) { return w.W_MouseMove(button, shift, lx, ly); });
+}
+
+void cfForm::MouseUp(int button, int shift, double x, double y) {
+  if (disabledByModal_) return;
+  Widget* target = capture_ ? capture_ : &HitTest(x, y);
+  Route(target, x / zoom_, y / zoom_,
+        [&](Widget& w, double lx, double ly) { return w.W_MouseUp(button, shift, lx, ly); });
+}
+
+void cfForm::DblClick(int button, int shift, double x, double y) {
+  if (disabledByModal_) return;
+  Route(&HitTest(x, y), x / zoom_, y / zoom_,
+        [&](Widget& w, double lx, double ly) { return w.W_DblClick(button, shift, lx, ly); });
+}
+
+void cfForm::MouseWheel(int delta, int shift, double x, double y) {
+  if (disabledByModal_) return;
+  Route(&HitTest(x, y), x / zoom_, y / zoom_,
+        [&](Widget& w, double lx, double ly) { return w.W_MouseWheel(delta, shift, lx, ly); });
+}
+
+void cfForm::KeyDown(int keyCode, int shift) {
+  if (disabledByModal_) return;
+  RunHandler("cfForm:Form_KeyDown", HandlerMode::Report, [&] { Form_KeyDown(keyCode, shift); });
+  if (keyCode == 0) return;
+  if (Widget* w = focus_)
+    RunHandler(w->TypeName() + ":W_KeyDown", HandlerMode::Report, [&] { w->W_KeyDown(keyCode, shift); });
+}
+
+void cfForm::KeyUp(int keyCode, int shift) {
+  if (disabledByModal_) return;
+  if (Widget* w = focus_)
+    RunHandler(w->TypeName() + ":W_KeyUp", HandlerMode::Report, [&] { w->W_KeyUp(keyCode, shift); });
+}
+
+void cfForm::KeyPress(int keyAscii) {
+  if (disabledByModal_) return;
+  if (Widget* w = focus_)
+    RunHandler(w->TypeName() + ":W_KeyPress", HandlerMode::Report, [&] { w->W_KeyPress(keyAscii); });
+}
+
+void cfForm::SetFocusTo(Widget* w) {
+  if (w == focus_) return;
+  Widget* old = focus_;
+  focus_ = w;
+  if (old) {
+    RunHandler(old->TypeName() + ":W_LostFocus", HandlerMode::Report, [&] { old->W_LostFocus(); });
+    old->Refresh();
+  }
+  if (w) {
+    RunHandler(w->TypeName() + ":W_GotFocus", HandlerMode::Report, [&] { w->W_GotFocus(); });
+    w->Refresh();
+  }
+}
+
+void cfForm::Forget(const Widget& gone) {
+  if (Within(gone, focus_)) focus_ = nullptr;
+  if (Within(gone, capture_)) capture_ = nullptr;
+  if (Within(gone, hover_)) hover_ = nullptr;
+}
+
+}  // namespace qds

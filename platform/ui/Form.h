@@ -1,0 +1,83 @@
+#pragma once
+// A top-level window: its widgets, its picture, and the routing of mouse
+// and keyboard input to the widget under the mouse or with the focus.
+
+#include <string>
+#include <vector>
+
+#include "platform/Drawing.h"
+#include "platform/ui/Widget.h"
+
+namespace qds {
+
+class cfForm : public Widget {
+ public:
+  cfForm();
+  ~cfForm() override;
+
+  std::string Caption;
+  // Device pixels per logical unit (the interface zoom).
+  double Zoom() const { return zoom_; }
+  void setZoom(double zoom);
+  // The background colour (0xBBGGRR) painted under the widgets.
+  std::int64_t BackColor = 0x323232;
+
+  void Show();
+  // Asks Form_QueryUnload; on yes runs Form_Unload and closes.
+  bool Close();
+  bool Showing() const { return showing_; }
+  bool Modal() const { return modal_; }
+
+  // The picture of the form in device pixels, painted when dirty.
+  const SurfacePtr& Surface();
+  bool Dirty() const { return dirty_; }
+  void Invalidate() { dirty_ = true; }
+  void Paint();
+
+  // Input in device pixels of the form, as the backend delivers it.
+  void MouseDown(int button, int shift, double x, double y);
+  void MouseMove(int button, int shift, double x, double y);
+  void MouseUp(int button, int shift, double x, double y);
+  void DblClick(int button, int shift, double x, double y);
+  void MouseWheel(int delta, int shift, double x, double y);
+  void KeyDown(int keyCode, int shift);
+  void KeyUp(int keyCode, int shift);
+  void KeyPress(int keyAscii);
+
+  // The deepest shown and enabled widget at a device point; the form itself
+  // when none.
+  Widget& HitTest(double x, double y);
+  Widget* FocusWidget() const { return focus_; }
+  Widget* CaptureWidget() const { return capture_; }
+  Widget* HoverWidget() const { return hover_; }
+
+  // Events of the form. Keys reach Form_KeyDown before any widget.
+  virtual void Form_BubblingEvent(Widget& source, const std::string& name, const std::vector<Value>& args) {
+    (void)source, (void)name, (void)args;
+  }
+  virtual void Form_KeyDown(int& keyCode, int shift) { (void)keyCode, (void)shift; }
+  virtual bool Form_QueryUnload() { return true; }
+  virtual void Form_Unload() {}
+
+ private:
+  friend class Widget;
+  friend class Widgets;
+  friend class PlatformRoot;
+  void SetFocusTo(Widget* w);
+  void Forget(const Widget& gone);  // a widget left the tree
+  template <class Handler>
+  void Route(Widget* start, double fx, double fy, Handler handler);
+  void UpdateHover(Widget* now);
+
+  double zoom_ = 1;
+  SurfacePtr surface_;
+  bool dirty_ = true;
+  bool showing_ = false;
+  bool modal_ = false;
+  bool disabledByModal_ = false;
+  Widget* focus_ = nullptr;
+  Widget* capture_ = nullptr;
+  Widget* hover_ = nullptr;
+};
+
+}  // namespace qds

@@ -1,0 +1,202 @@
+#include "platform/ui/PlatformRoot.h"
+
+#include <algorithm>
+
+#include "platform/Error.h"
+#include "platform/ui/Form.h"
+
+namespace qds {
+
+namespace {
+PlatformRoot* current = nullptr;
+}  // namespace
+
+PlatformRoot::PlatformRoot(std::unique_ptr<UiBackend> backend)
+    : backend_(std::move(backend)), previous_(current) {
+  current = this;
+}
+
+PlatformRoot::~PlatformRoot() {
+  graveyard_.clear();
+  current = previous_;
+}
+
+PlatformRoot* PlatformRoot::Current() {
+  return current;
+}
+
+int PlatformRoot::SetTimer(Widget* owner, double intervalMs, std::function<void()> onTimer) {
+  const int id = nextTimer_++;
+  timers_.push_back(
+      {id, owner, std::max(1.0, intervalMs), NowMs() + std::max(1.0, intervalMs), std::move(onTimer)});
+  return id;
+}
+
+void PlatformRoot::KillTimer(int id) {
+  timers_.erase(
+      std::remove_if(timers_.begin(), timers_.end(), [&](const TimerEntry& t) { return t.id == id; }),
+      timers_.end());
+}
+
+void PlatformRoot::KillTimersOf(const Widget* owner) {
+  timers_.erase(
+      std::remove_if(timers_.begin(), timers_.end(), [&](const TimerEntry& t) { return t.owner == owner; }),
+      timers_.end());
+}
+
+void PlatformRoot::DeferredInvoke(std::function<void()> work) {
+  deferred_.push_back(std::move(work));
+}
+
+void PlatformRoot::DeferDelete(std::shared_ptr<Widget> widget) {
+  graveyard_.push_back(std::move(widget));
+}
+
+void PlatformRoot::FormShown(cfForm& form) {
+  if (std::find(forms_.begin(), forms_.end(), &form) == forms_.end()) forms_.push_back(&form);
+  backend_->FormShown(form);
+}
+
+void PlatformRoot::FormClosed(cfForm& form) {
+  forms_.erase(std::remove(forms_.begin(), forms_.end(), &form), forms_.end());
+  backend_->FormClosed(form);
+}
+
+void PlatformRoot::Dispatch(const UiEvent& e) {
+  cfForm* f = e.form;
+  if (!f || std::find(forms_.begin(), forms_.end(), f) == forms_.end()) return;  // a form that has gone
+  switch (e.type) {
+    case UiEvent::Type::MouseDown:
+      f->MouseDown(e.button, e.shift, e.x, e.y);
+      break;
+    case UiEvent::Type::MouseUp:
+      f->MouseUp(e.button, e.shift, e.x, e.y);
+      break;
+    case UiEvent::Type::MouseMove:
+      f->MouseMove(e.button, e.shift, e.x, e.y);
+      break;
+    case UiEvent::Type::DblClick:
+      f->DblClick(e.button, e.shift, e.x, e.y);
+      break;
+    case UiEvent::Type::Wheel:
+      f->MouseWheel(e.button, e.shift, e.x, e.y);
+      break;
+    case UiEvent::Type::KeyDown:
+      f->KeyDown(e.key, e.shift);
+      break;
+    case UiEvent::Type::KeyUp:
+      f->KeyUp(e.key, e.shift);
+      break;
+    case UiEvent::Type::KeyPress:
+      f->KeyPress(e.key);
+      break;
+    case UiEvent::Type::Close:
+      f->Close();
+      break;
+  }
+}
+
+void PlatformRoot::FireDueTimers() {
+  const double now = NowMs();
+  // A timer may start or kill timers: walk a copy of the ids that are due.
+  std::vector<int> due;
+  for (const TimerEntry& t : timers_) {
+    if (t.due <= now) due.push_back(t.id);
+  }
+  for (int id : due) {
+    auto it = std::find_if(timers_.begin(), timers_.end(), [&](const TimerEntry& t) { return t.id == id; });
+    if (it == timers_.end()) continue;
+    it->due = now + it->interval;
+    std::function<void()> fire = it->onTimer;
+    RunHandler("Timer", HandlerMode::Report, fire);
+  }
+}
+
+void PlatformRoot::RunDeferred() {
+  while (!deferred_.empty()) {
+    std::vector<std::function<void()>> work;
+    work.swap(deferred_);
+    for (auto& w : work) RunHandler("DeferredInvoke", HandlerMode::Report, w);
+  }
+  graveyard_.clear();
+}
+
+void PlatformRoot::PaintAll() {
+  for (cfForm* f : std::vector<cfForm*>(forms_)) {
+    if (!f->Dirty()) continue;
+    f->Surface();
+    backend_->Present(*f);
+  }
+}
+
+double PlatformRoot::NextTimerIn() {
+  double next = 1e9;
+  for (const TimerEntry& t : timers_) next = std::min(next, t.due - NowMs());
+  return std::max(0.0, next);
+}
+
+bool PlatformRoot::Turn(double waitMs) {
+  UiEvent e;
+  bool any = false;
+  while (backend_->WaitEvent(any ? 0 : waitMs, e)) {
+    any = true;
+    Dispatch(e);
+    RunDeferred();
+  }
+  FireDueTimers();
+  RunDeferred();
+  PaintAll();
+  return any;
+}
+
+void PlatformRoot::DoEvents() {
+  Turn(0);
+}
+
+void PlatformRoot::RunMessageLoop() {
+  while (!forms_.empty()) Turn(NextTimerIn());
+}
+
+void PlatformRoot::RunModal(cfForm& dialog) {
+  std::vector<cfForm*> owners;
+  for (cfForm* f : forms_) {
+    if (f != &dialog && !f->disabledByModal_) {
+      f->disabledByModal_ = true;
+      owners.push_back(f);
+    }
+  }
+  dialog.modal_ = true;
+  dialog.Show();
+  while (dialog.Showing()) Turn(NextTimerIn());
+  dialog.modal_ = false;
+  for (cfForm* f : owners) f->disabledByModal_ = false;
+}
+
+void Timer::setEnabled(bool on) {
+  PlatformRoot* root = PlatformRoot::Current();
+  if (!root) return;
+  if (id_) root->KillTimer(id_);
+  id_ = on ? root->SetTimer(&owner_, Interval,
+                            [this] {
+                              if (OnTimer) OnTimer();
+                            })
+           : 0;
+}
+
+bool HeadlessBackend::WaitEvent(double timeoutMs, UiEvent& event) {
+  if (queue_.empty() && timeoutMs > 0) {
+    if (OnIdle) OnIdle();
+    if (queue_.empty()) {
+      // Waiting is time passing; with nothing due ever, a loop would hang.
+      if (timeoutMs >= 1e8)
+        Raise(ErrNo::InvalidArgument, "A headless loop waits for nothing", "HeadlessBackend");
+      now_ += timeoutMs;
+    }
+  }
+  if (queue_.empty()) return false;
+  event = queue_.front();
+  queue_.erase(queue_.begin());
+  return true;
+}
+
+}  // namespace qds

@@ -1,0 +1,127 @@
+#pragma once
+// The message loop: one thread, events from a backend, timers owned by
+// widgets, work deferred to the end of the current event, and painting once
+// per turn. A modal form runs a nested loop and disables the other forms.
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace qds {
+
+class cfForm;
+class Widget;
+
+struct UiEvent {
+  enum class Type { MouseDown, MouseUp, MouseMove, DblClick, Wheel, KeyDown, KeyUp, KeyPress, Close };
+  Type type = Type::MouseMove;
+  cfForm* form = nullptr;
+  int button = 0;  // or the wheel's delta
+  int shift = 0;
+  int key = 0;          // key code, or the character of a key press
+  double x = 0, y = 0;  // device pixels of the form
+};
+
+// Where events come from and pictures go to: real windows, or nothing.
+class UiBackend {
+ public:
+  virtual ~UiBackend() = default;
+  virtual double NowMs() = 0;
+  // The next event, waiting at most `timeoutMs` (never sleeping when
+  // nothing can come, as without a display); false when there is none.
+  virtual bool WaitEvent(double timeoutMs, UiEvent& event) = 0;
+  virtual void FormShown(cfForm& form) { (void)form; }
+  virtual void FormClosed(cfForm& form) { (void)form; }
+  // The form's surface has changed in the given device rectangle.
+  virtual void Present(cfForm& form) { (void)form; }
+};
+
+class PlatformRoot {
+ public:
+  explicit PlatformRoot(std::unique_ptr<UiBackend> backend);
+  ~PlatformRoot();
+  static PlatformRoot* Current();
+
+  UiBackend& Backend() { return *backend_; }
+  double NowMs() { return backend_->NowMs(); }
+
+  // Timers fire on the loop, never on another thread; a widget's timers
+  // end with it.
+  int SetTimer(Widget* owner, double intervalMs, std::function<void()> onTimer);
+  void KillTimer(int id);
+  void KillTimersOf(const Widget* owner);
+  // Runs after the current event, outside the handler that asked.
+  void DeferredInvoke(std::function<void()> work);
+  // Keeps a removed widget alive until the current event is over.
+  void DeferDelete(std::shared_ptr<Widget> widget);
+
+  void FormShown(cfForm& form);
+  void FormClosed(cfForm& form);
+  const std::vector<cfForm*>& Forms() const { return forms_; }
+
+  // Everything pending once: events, due timers, deferred work, painting.
+  void DoEvents();
+  // Until the last form is gone.
+  void RunMessageLoop();
+  // Shows `dialog` over the others and returns when it is closed.
+  void RunModal(cfForm& dialog);
+
+ private:
+  void Dispatch(const UiEvent& e);
+  void FireDueTimers();
+  void RunDeferred();
+  void PaintAll();
+  double NextTimerIn();
+  bool Turn(double waitMs);
+
+  struct TimerEntry {
+    int id;
+    Widget* owner;
+    double interval;
+    double due;
+    std::function<void()> onTimer;
+  };
+  std::unique_ptr<UiBackend> backend_;
+  std::vector<TimerEntry> timers_;
+  std::vector<std::function<void()>> deferred_;
+  std::vector<std::shared_ptr<Widget>> graveyard_;
+  std::vector<cfForm*> forms_;
+  int nextTimer_ = 1;
+  PlatformRoot* previous_;
+};
+
+// Fires every `Interval` ms while enabled, on the loop.
+class Timer {
+ public:
+  explicit Timer(Widget& owner) : owner_(owner) {}
+  ~Timer() { setEnabled(false); }
+  std::function<void()> OnTimer;
+  double Interval = 100;
+  bool Enabled() const { return id_ != 0; }
+  void setEnabled(bool on);
+
+ private:
+  Widget& owner_;
+  int id_ = 0;
+};
+
+// No display: events are put in by tests, and time moves when they say.
+class HeadlessBackend : public UiBackend {
+ public:
+  double NowMs() override { return now_; }
+  bool WaitEvent(double timeoutMs, UiEvent& event) override;
+  void Push(const UiEvent& e) { queue_.push_back(e); }
+  void AdvanceMs(double ms) { now_ += ms; }
+  // Asked for the next user action when nothing is queued inside a loop.
+  std::function<void()> OnIdle;
+  int Presented() const { return presented_; }
+  void Present(cfForm&) override { ++presented_; }
+
+ private:
+  std::vector<UiEvent> queue_;
+  double now_ = 0;
+  int presented_ = 0;
+};
+
+}  // namespace qds

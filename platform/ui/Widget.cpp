@@ -1,0 +1,125 @@
+#include "platform/ui/Widget.h"
+
+#include "platform/Error.h"
+#include "platform/ui/Form.h"
+#include "platform/ui/PlatformRoot.h"
+
+namespace qds {
+
+void Widgets::AddWidget(std::unique_ptr<Widget> widget, std::string_view key) {
+  widget->parent_ = &owner_;
+  widget->key_ = std::string(key);
+  items_.Add(std::shared_ptr<Widget>(std::move(widget)), key);
+  owner_.Refresh();
+}
+
+void Widgets::Remove(Widget& widget) {
+  for (int i = 0; i < items_.Count(); ++i) {
+    if (items_.Item(i).get() != &widget) continue;
+    std::shared_ptr<Widget> gone = items_.Item(i);
+    if (cfForm* form = owner_.Form()) form->Forget(*gone);
+    items_.RemoveAt(i);
+    gone->parent_ = nullptr;
+    owner_.Refresh();
+    // Events for it may still be on their way: it goes with the turn.
+    if (PlatformRoot* root = PlatformRoot::Current()) root->DeferDelete(std::move(gone));
+    return;
+  }
+}
+
+void Widgets::Remove(std::string_view key) {
+  Remove(Item(key));
+}
+
+Widget::Widget(std::string typeName) : typeName_(std::move(typeName)), children_(*this) {}
+
+Widget::~Widget() {
+  if (PlatformRoot* root = PlatformRoot::Current()) root->KillTimersOf(this);
+}
+
+cfForm* Widget::Form() const {
+  const Widget* w = this;
+  while (w->parent_) w = w->parent_;
+  return dynamic_cast<cfForm*>(const_cast<Widget*>(w));
+}
+
+void Widget::Move(double left, double top, double width, double height) {
+  Refresh();
+  left_ = left, top_ = top, width_ = width, height_ = height;
+  Refresh();
+}
+
+void Widget::FormPosition(double& x, double& y) const {
+  x = 0, y = 0;
+  for (const Widget* w = this; w && w->parent_; w = w->parent_) x += w->left_, y += w->top_;
+}
+
+void Widget::setVisible(bool v) {
+  if (v == visible_) return;
+  visible_ = v;
+  if (!v) {
+    if (cfForm* form = Form()) form->Forget(*this);
+  }
+  if (parent_) parent_->Refresh();
+}
+
+void Widget::setEnabled(bool v) {
+  if (v == enabled_) return;
+  enabled_ = v;
+  if (!v) {
+    if (cfForm* form = Form()) form->Forget(*this);
+  }
+  Refresh();
+}
+
+bool Widget::ShownInTree() const {
+  for (const Widget* w = this; w; w = w->parent_) {
+    if (!w->visible_) return false;
+  }
+  return true;
+}
+
+bool Widget::EnabledInTree() const {
+  for (const Widget* w = this; w; w = w->parent_) {
+    if (!w->enabled_) return false;
+  }
+  return true;
+}
+
+void Widget::Refresh() {
+  if (refreshLocked_) return;
+  if (cfForm* form = Form()) form->Invalidate();
+}
+
+void Widget::SetFocus() {
+  if (cfForm* form = Form(); form && CanFocus && ShownInTree() && EnabledInTree()) form->SetFocusTo(this);
+}
+
+bool Widget::HasFocus() const {
+  const cfForm* form = Form();
+  return form && form->FocusWidget() == this;
+}
+
+void Widget::SetCapture() {
+  if (cfForm* form = Form()) form->capture_ = this;
+}
+
+void Widget::ReleaseCapture() {
+  if (cfForm* form = Form(); form && form->capture_ == this) form->capture_ = nullptr;
+}
+
+bool Widget::HasCapture() const {
+  const cfForm* form = Form();
+  return form && form->CaptureWidget() == this;
+}
+
+bool Widget::MouseOver() const {
+  const cfForm* form = Form();
+  return form && form->HoverWidget() == this;
+}
+
+void Widget::RaiseBubblingEvent(const std::string& name, const std::vector<Value>& args) {
+  if (cfForm* form = Form()) form->Form_BubblingEvent(*this, name, args);
+}
+
+}  // namespace qds

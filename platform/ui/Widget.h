@@ -1,0 +1,145 @@
+#pragma once
+// The object behind every visual element: a rectangle in its parent, its
+// children (owned, with keys), visibility, enabled state, focus, capture,
+// tool tip and cursor, and the W_* events. Geometry is in logical units;
+// the form scales them by the interface zoom when it paints and hit-tests.
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/KeyedCollection.h"
+#include "platform/Value.h"
+
+namespace qds {
+
+class DrawingContext;
+class cfForm;
+class Widget;
+
+// Key codes and flags as the program's handlers expect them.
+namespace Key {
+constexpr int Back = 8, Tab = 9, Return = 13, Escape = 27, Space = 32, PageUp = 33, PageDown = 34, End = 35,
+              Home = 36, Left = 37, Up = 38, Right = 39, Down = 40, Delete = 46;
+}
+namespace Shift {
+constexpr int None = 0, ShiftKey = 1, Ctrl = 2, Alt = 4;
+}
+namespace Button {
+constexpr int None = 0, Left = 1, Right = 2, Middle = 4;
+}
+namespace Cursor {
+constexpr int Arrow = 32512, Wait = 32514, Hand = 32649, IBeam = 32513;
+}
+
+// The children of a widget, owned, in paint order (the last is on top).
+class Widgets {
+ public:
+  explicit Widgets(Widget& owner) : owner_(owner) {}
+  // Adds and answers the widget; a key already there raises an AppError.
+  template <class W>
+  W& Add(std::unique_ptr<W> widget, std::string_view key = {}) {
+    W& ref = *widget;
+    AddWidget(std::unique_ptr<Widget>(std::move(widget)), key);
+    return ref;
+  }
+  void Remove(std::string_view key);
+  void Remove(Widget& widget);
+  Widget& Item(std::string_view key) const { return *items_.Item(key); }
+  Widget& Item(int index) const { return *items_.Item(index); }
+  bool Exists(std::string_view key) const { return items_.Exists(key); }
+  int Count() const { return items_.Count(); }
+
+ private:
+  void AddWidget(std::unique_ptr<Widget> widget, std::string_view key);
+  Widget& owner_;
+  KeyedCollection<std::shared_ptr<Widget>> items_;
+};
+
+class Widget {
+ public:
+  explicit Widget(std::string typeName = "Widget");
+  virtual ~Widget();
+  Widget(const Widget&) = delete;
+  Widget& operator=(const Widget&) = delete;
+
+  const std::string& TypeName() const { return typeName_; }
+  const std::string& Key() const { return key_; }
+  Widget* Parent() const { return parent_; }
+  cfForm* Form() const;
+  Widgets& Children() { return children_; }
+  const Widgets& Children() const { return children_; }
+
+  // Geometry in logical units, relative to the parent.
+  double Left() const { return left_; }
+  double Top() const { return top_; }
+  double Width() const { return width_; }
+  double Height() const { return height_; }
+  void Move(double left, double top, double width, double height);
+  // The widget's top-left corner in logical units of its form.
+  void FormPosition(double& x, double& y) const;
+
+  bool Visible() const { return visible_; }
+  void setVisible(bool v);
+  bool Enabled() const { return enabled_; }
+  void setEnabled(bool v);
+  // Shown and enabled, and so are all its parents.
+  bool ShownInTree() const;
+  bool EnabledInTree() const;
+
+  // Marks the widget to be painted again in the next turn of the loop.
+  void Refresh();
+  void LockRefresh(bool locked) { refreshLocked_ = locked; }
+  bool RefreshLocked() const { return refreshLocked_; }
+
+  bool CanFocus = false;
+  void SetFocus();
+  bool HasFocus() const;
+  void SetCapture();
+  void ReleaseCapture();
+  bool HasCapture() const;
+  bool MouseOver() const;
+
+  std::string ToolTip;
+  int MouseCursor = Cursor::Arrow;
+
+  // Raises `name` up the tree to the form's Form_BubblingEvent.
+  void RaiseBubblingEvent(const std::string& name, const std::vector<Value>& args = {});
+
+  // Events. Mouse handlers answer whether they took the input; what a
+  // widget leaves goes to its parent. Coordinates are logical, relative to
+  // the widget.
+  virtual void W_Paint(DrawingContext& ctx, double width, double height) {
+    (void)ctx, (void)width, (void)height;
+  }
+  virtual bool W_MouseDown(int button, int shift, double x, double y) { return Ignore(button, shift, x, y); }
+  virtual bool W_MouseMove(int button, int shift, double x, double y) { return Ignore(button, shift, x, y); }
+  virtual bool W_MouseUp(int button, int shift, double x, double y) { return Ignore(button, shift, x, y); }
+  virtual bool W_DblClick(int button, int shift, double x, double y) { return Ignore(button, shift, x, y); }
+  virtual bool W_MouseWheel(int delta, int shift, double x, double y) { return Ignore(delta, shift, x, y); }
+  virtual void W_MouseEnter() {}
+  virtual void W_MouseLeave() {}
+  // Key handlers may change or clear (0) the code they are given.
+  virtual void W_KeyDown(int& keyCode, int shift) { (void)keyCode, (void)shift; }
+  virtual void W_KeyUp(int& keyCode, int shift) { (void)keyCode, (void)shift; }
+  virtual void W_KeyPress(int& keyAscii) { (void)keyAscii; }
+  virtual void W_GotFocus() {}
+  virtual void W_LostFocus() {}
+
+ private:
+  friend class Widgets;
+  friend class cfForm;
+  static bool Ignore(int, int, double, double) { return false; }
+
+  std::string typeName_;
+  std::string key_;
+  Widget* parent_ = nullptr;
+  Widgets children_;
+  double left_ = 0, top_ = 0, width_ = 0, height_ = 0;
+  bool visible_ = true;
+  bool enabled_ = true;
+  bool refreshLocked_ = false;
+};
+
+}  // namespace qds

@@ -1,0 +1,223 @@
+#include <gtest/gtest.h>
+
+#include "platform/DrawingContext.h"
+#include "platform/Error.h"
+#include "platform/ui/Form.h"
+#include "platform/ui/PlatformRoot.h"
+#include "tests/support/Pixels.h"
+
+using namespace qds;
+
+namespace {
+
+// A widget that fills itself with a colour and writes down what reaches it.
+struct Probe : Widget {
+  std::int64_t colour;
+  bool takes;
+  std::vector<std::string> log;
+  Probe(std::int64_t c, bool takesMouse = true) : Widget("Probe"), colour(c), takes(takesMouse) {}
+  void W_Paint(DrawingContext& ctx, double w, double h) override {
+    ctx.SetSourceColor(colour);
+    ctx.Rectangle(0, 0, w, h);
+    ctx.Fill();
+  }
+  bool W_MouseDown(int, int, double x, double y) override {
+    log.push_back("down " + std::to_string(int(x)) + "," + std::to_string(int(y)));
+    return takes;
+  }
+  bool W_MouseMove(int, int, double x, double y) override {
+    log.push_back("move " + std::to_string(int(x)) + "," + std::to_string(int(y)));
+    return takes;
+  }
+  bool W_MouseUp(int, int, double, double) override {
+    log.push_back("up");
+    return takes;
+  }
+  void W_MouseEnter() override { log.push_back("enter"); }
+  void W_MouseLeave() override { log.push_back("leave"); }
+  void W_GotFocus() override { log.push_back("got focus"); }
+  void W_LostFocus() override { log.push_back("lost focus"); }
+  void W_KeyDown(int& key, int shift) override {
+    log.push_back("key " + std::to_string(key) + "/" + std::to_string(shift));
+  }
+  void W_KeyPress(int& ascii) override { log.push_back(std::string("press ") + char(ascii)); }
+};
+
+struct TestForm : cfForm {
+  std::vector<std::string> bubbled;
+  std::vector<int> keys;
+  bool swallowEscape = false;
+  void Form_BubblingEvent(Widget& source, const std::string& name, const std::vector<Value>& args) override {
+    bubbled.push_back(source.Key() + ":" + name + (args.empty() ? "" : ":" + args[0].AsString()));
+  }
+  void Form_KeyDown(int& key, int) override {
+    keys.push_back(key);
+    if (swallowEscape && key == Key::Escape) key = 0;
+  }
+};
+
+struct Ui : ::testing::Test {
+  HeadlessBackend* backend = new HeadlessBackend;
+  PlatformRoot root{std::unique_ptr<UiBackend>(backend)};
+  TestForm form;
+  Probe* panel = nullptr;
+  Probe* child = nullptr;
+  void SetUp() override {
+    form.Move(0, 0, 100, 80);
+    form.BackColor = 0xFFFFFF;
+    panel = &form.Children().Add(std::make_unique<Probe>(0x0000FF, false), "panel");
+    panel->Move(10, 10, 50, 40);
+    child = &panel->Children().Add(std::make_unique<Probe>(0xFF0000), "child");
+    child->Move(30, 20, 40, 40);  // reaches beyond the panel's right edge
+    child->CanFocus = true;
+    form.Show();
+  }
+  void Click(double x, double y, int shift = 0) {
+    backend->Push({UiEvent::Type::MouseDown, &form, Button::Left, shift, 0, x, y});
+    backend->Push({UiEvent::Type::MouseUp, &form, Button::Left, shift, 0, x, y});
+    root.DoEvents();
+  }
+};
+
+}  // namespace
+
+TEST_F(Ui, ChildrenPaintClippedToTheirParentsAndScaleWithTheZoom) {
+  root.DoEvents();
+  const SurfacePtr& s = form.Surface();
+  EXPECT_EQ(PixelAt(s, 5, 5), (Bgra{255, 255, 255, 255}));    // the form
+  EXPECT_EQ(PixelAt(s, 15, 15), (Bgra{0, 0, 255, 255}));      // the panel
+  EXPECT_EQ(PixelAt(s, 45, 35), (Bgra{255, 0, 0, 255}));      // the child over it
+  EXPECT_EQ(PixelAt(s, 65, 35), (Bgra{255, 255, 255, 255}));  // the child cut at the panel's edge
+  EXPECT_GE(backend->Presented(), 1);
+
+  form.setZoom(2);
+  root.DoEvents();
+  EXPECT_EQ(form.Surface()->Width(), 200);
+  EXPECT_EQ(PixelAt(form.Surface(), 30, 30), (Bgra{0, 0, 255, 255}));
+  EXPECT_EQ(&form.HitTest(90, 70), child);  // device pixels
+  panel->setVisible(false);
+  root.DoEvents();
+  EXPECT_EQ(PixelAt(form.Surface(), 90, 70), (Bgra{255, 255, 255, 255}));
+}
+
+TEST_F(Ui, MouseGoesToTheDeepestWidgetThenUpAndFollowsTheCapture) {
+  Click(45, 35);
+  EXPECT_EQ(child->log, (std::vector<std::string>{"got focus", "down 5,5", "up"}));
+  EXPECT_TRUE(child->HasFocus());
+  Click(15, 15);  // the panel does not take it: the form gets it, nothing breaks
+  EXPECT_EQ(panel->log.back(), "up");
+
+  // Moves: enter and leave as the mouse crosses; a captured widget gets
+  // the moves even outside itself.
+  child->log.clear();
+  backend->Push({UiEvent::Type::MouseMove, &form, 0, 0, 0, 45, 35});
+  backend->Push({UiEvent::Type::MouseMove, &form, 0, 0, 0, 5, 5});
+  root.DoEvents();
+  EXPECT_EQ(child->log, (std::vector<std::string>{"enter", "move 5,5", "leave"}));
+  child->SetCapture();
+  child->log.clear();
+  backend->Push({UiEvent::Type::MouseMove, &form, Button::Left, 0, 0, 5, 5});
+  root.DoEvents();
+  EXPECT_EQ(child->log, (std::vector<std::string>{"move -35,-25"}));
+  child->ReleaseCapture();
+  EXPECT_FALSE(child->HasCapture());
+
+  // A disabled widget lets the input fall to what is under it.
+  child->setEnabled(false);
+  child->log.clear();
+  Click(45, 35);
+  EXPECT_TRUE(child->log.empty());
+}
+
+TEST_F(Ui, KeysReachTheFormFirstThenTheFocusAndEventsBubble) {
+  child->SetFocus();
+  backend->Push({UiEvent::Type::KeyDown, &form, 0, Shift::Ctrl, Key::Left, 0, 0});
+  backend->Push({UiEvent::Type::KeyPress, &form, 0, 0, 'q', 0, 0});
+  form.swallowEscape = true;
+  backend->Push({UiEvent::Type::KeyDown, &form, 0, 0, Key::Escape, 0, 0});
+  root.DoEvents();
+  EXPECT_EQ(form.keys, (std::vector<int>{Key::Left, Key::Escape}));
+  EXPECT_EQ(child->log, (std::vector<std::string>{"got focus", "key 37/2", "press q"}));  // no Escape
+
+  child->RaiseBubblingEvent("Click", {Value(3)});
+  EXPECT_EQ(form.bubbled, (std::vector<std::string>{"child:Click:3"}));
+
+  // Removing the focused widget forgets it; it is deleted after the turn.
+  std::weak_ptr<int> alive;
+  panel->Children().Remove("child");
+  EXPECT_EQ(form.FocusWidget(), nullptr);
+  backend->Push({UiEvent::Type::KeyPress, &form, 0, 0, 'x', 0, 0});
+  root.DoEvents();
+  EXPECT_FALSE(panel->Children().Exists("child"));
+}
+
+TEST_F(Ui, TimersAndDeferredWorkRunOnTheLoop) {
+  int fired = 0, deferred = 0;
+  Timer timer(*panel);
+  timer.Interval = 30;
+  timer.OnTimer = [&] { ++fired; };
+  timer.setEnabled(true);
+  root.DoEvents();
+  EXPECT_EQ(fired, 0);
+  backend->AdvanceMs(31);
+  root.DoEvents();
+  EXPECT_EQ(fired, 1);
+  backend->AdvanceMs(29);
+  root.DoEvents();
+  EXPECT_EQ(fired, 1);
+  backend->AdvanceMs(2);
+  root.DeferredInvoke([&] { deferred = fired; });
+  root.DoEvents();
+  EXPECT_EQ(fired, 2);
+  EXPECT_EQ(deferred, 2);  // after the timer of the same turn
+  timer.setEnabled(false);
+  backend->AdvanceMs(100);
+  root.DoEvents();
+  EXPECT_EQ(fired, 2);
+
+  // A widget's timers end with it.
+  const int id = root.SetTimer(child, 10, [&] { ++fired; });
+  (void)id;
+  panel->Children().Remove("child");
+  root.DoEvents();
+  backend->AdvanceMs(50);
+  root.DoEvents();
+  EXPECT_EQ(fired, 2);
+}
+
+TEST_F(Ui, AModalFormBlocksItsOwnerUntilClosed) {
+  TestForm dialog;
+  dialog.Move(0, 0, 40, 30);
+  Probe& ok = dialog.Children().Add(std::make_unique<Probe>(0x00FF00), "ok");
+  ok.Move(0, 0, 40, 30);
+  struct Closer : Probe {
+    using Probe::Probe;
+    bool W_MouseUp(int, int, double, double) override {
+      Form()->Close();
+      return true;
+    }
+  };
+  Closer& close = dialog.Children().Add(std::make_unique<Closer>(0x000000), "close");
+  close.Move(30, 20, 10, 10);
+  int step = 0;
+  child->log.clear();
+  // The user clicks the owner (ignored), then the dialog's close box.
+  backend->OnIdle = [&] {
+    if (step == 0) {
+      backend->Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 45, 35});
+    } else if (step == 1) {
+      backend->Push({UiEvent::Type::MouseUp, &dialog, Button::Left, 0, 0, 35, 25});
+    }
+    ++step;
+  };
+  root.RunModal(dialog);
+  EXPECT_FALSE(dialog.Showing());
+  EXPECT_TRUE(child->log.empty());  // the owner took nothing while the dialog was up
+  EXPECT_EQ(step, 2);
+  backend->OnIdle = nullptr;
+  Click(45, 35);
+  EXPECT_FALSE(child->log.empty());  // and takes input again
+
+  // A loop with nothing to wait for says so instead of hanging.
+  EXPECT_THROW(root.RunMessageLoop(), AppError);
+}

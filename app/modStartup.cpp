@@ -1,7 +1,7 @@
 #include "app/modStartup.h"
 
 #include "app/AppContext.h"
-#include "app/ThemePalette.h"
+#include "platform/ThemePalette.h"
 #include "app/cConfig.h"
 #include "app/modTexts.h"
 #include "engine/cSVGItem.h"

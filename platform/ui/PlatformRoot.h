@@ -11,6 +11,7 @@
 namespace qds {
 
 class cfForm;
+class ImageList;
 class Widget;
 
 struct UiEvent {
@@ -44,6 +45,9 @@ class PlatformRoot {
   static PlatformRoot* Current();
 
   UiBackend& Backend() { return *backend_; }
+  // The named pictures widgets draw (buttons, images); none until set.
+  ImageList* Images() const { return images_; }
+  void setImages(ImageList* images) { images_ = images; }
   double NowMs() { return backend_->NowMs(); }
 
   // Timers fire on the loop, never on another thread; a widget's timers
@@ -88,6 +92,7 @@ class PlatformRoot {
   std::vector<std::shared_ptr<Widget>> graveyard_;
   std::vector<cfForm*> forms_;
   int nextTimer_ = 1;
+  ImageList* images_ = nullptr;
   PlatformRoot* previous_;
 };
 

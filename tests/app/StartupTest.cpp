@@ -4,7 +4,7 @@
 #include <set>
 
 #include "app/AppContext.h"
-#include "app/ThemePalette.h"
+#include "platform/ThemePalette.h"
 #include "app/cConfig.h"
 #include "app/modStartup.h"
 #include "app/modTexts.h"

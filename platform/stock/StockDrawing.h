@@ -1,0 +1,31 @@
+#pragma once
+// What the stock widgets share: the palette they are drawn in, the font of
+// the interface, and the pictures of the image cache.
+
+#include <string>
+
+#include "platform/Drawing.h"
+#include "platform/ThemePalette.h"
+
+namespace qds {
+
+class DrawingContext;
+
+namespace Palette {
+// Indexes of the program's palette, by what they colour.
+constexpr int Back = 0, Text = 1, Face = 2, Border = 3, Accent = 4, Disabled = 5, Hover = 6;
+}  // namespace Palette
+
+inline std::int64_t StockColor(int index) {
+  return QuillaronPaletteColor(index);
+}
+
+// The interface font, in points.
+constexpr const char* kUiFont = "DejaVu Sans";
+constexpr double kUiFontSize = 9;
+
+// A picture of the image cache drawn into the box, or nothing when the
+// cache lacks it.
+void DrawPicture(DrawingContext& ctx, const std::string& key, double x, double y, double w, double h);
+
+}  // namespace qds

@@ -1,0 +1,118 @@
+#include "platform/stock/StockWidgets.h"
+
+#include <algorithm>
+
+#include "platform/DrawingContext.h"
+#include "platform/DrawingSurface.h"
+#include "platform/ImageList.h"
+#include "platform/stock/StockDrawing.h"
+#include "platform/ui/PlatformRoot.h"
+
+namespace qds {
+
+void DrawPicture(DrawingContext& ctx, const std::string& key, double x, double y, double w, double h) {
+  PlatformRoot* root = PlatformRoot::Current();
+  if (key.empty() || !root || !root->Images()) return;
+  if (const SurfacePtr picture = root->Images()->Get(key)) ctx.DrawSurface(picture, x, y, w, h, Filter::Good);
+}
+
+void cwButton::W_Paint(DrawingContext& ctx, double w, double h) {
+  const bool down = pressed_ || (Checkable && Checked);
+  ctx.SetSourceColor(!EnabledInTree() ? StockColor(Palette::Back)
+                     : down           ? StockColor(Palette::Accent)
+                     : MouseOver()    ? StockColor(Palette::Hover)
+                                      : StockColor(Palette::Face));
+  ctx.RoundedRectangle(0.5, 0.5, w - 1, h - 1, 3);
+  ctx.Fill(true);
+  ctx.SetLineWidth(1);
+  ctx.SetSourceColor(HasFocus() ? StockColor(Palette::Accent) : StockColor(Palette::Border));
+  ctx.Stroke();
+  double textLeft = 0;
+  if (!PictureKey.empty()) {
+    const double side = std::min(h - 6, 24.0);
+    DrawPicture(ctx, PictureKey, 4, (h - side) / 2, side, side);
+    textLeft = side + 6;
+  }
+  ctx.SelectFont(kUiFont, kUiFontSize,
+                 EnabledInTree() ? StockColor(Palette::Text) : StockColor(Palette::Disabled));
+  ctx.DrawText(textLeft, 0, w - textLeft, h, Caption, true,
+               textLeft > 0 ? TextAlign::Left : TextAlign::Center, TextAlign::Middle);
+}
+
+void cwButton::Press() {
+  if (Checkable) Checked = !Checked;
+  Refresh();
+  if (Click) Click();
+  RaiseBubblingEvent("Click");
+}
+
+bool cwButton::W_MouseDown(int button, int, double, double) {
+  if (button != Button::Left) return false;
+  pressed_ = true;
+  SetCapture();
+  Refresh();
+  return true;
+}
+
+bool cwButton::W_MouseUp(int button, int, double x, double y) {
+  if (button != Button::Left || !pressed_) return false;
+  pressed_ = false;
+  ReleaseCapture();
+  Refresh();
+  // Only a release over the button is a click: moving away cancels.
+  if (x >= 0 && y >= 0 && x < Width() && y < Height()) Press();
+  return true;
+}
+
+void cwButton::W_KeyDown(int& keyCode, int) {
+  if (keyCode == Key::Return || keyCode == Key::Space) {
+    keyCode = 0;
+    Press();
+  }
+}
+
+void cwLabel::W_Paint(DrawingContext& ctx, double w, double h) {
+  ctx.SelectFont(kUiFont, kUiFontSize,
+                 EnabledInTree() ? StockColor(Palette::Text) : StockColor(Palette::Disabled));
+  ctx.DrawText(2, 0, w - 4, h, Caption, !WordWrap, Alignment, WordWrap ? TextAlign::Top : TextAlign::Middle);
+}
+
+void cwFrame::W_Paint(DrawingContext& ctx, double w, double h) {
+  const double top = Caption.empty() ? 0.5 : 8.5;
+  ctx.SetLineWidth(1);
+  ctx.SetSourceColor(StockColor(Palette::Border));
+  ctx.RoundedRectangle(0.5, top, w - 1, h - top - 0.5, 4);
+  ctx.Stroke();
+  if (Caption.empty()) return;
+  ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
+  const TextSize size = ctx.MeasureText(Caption);
+  ctx.SetSourceColor(StockColor(Palette::Back));
+  ctx.Rectangle(6, 0, size.width + 6, 16);
+  ctx.Fill();
+  ctx.DrawText(9, 0, size.width + 2, 16, Caption, true, TextAlign::Left, TextAlign::Middle);
+}
+
+void cwImage::W_Paint(DrawingContext& ctx, double w, double h) {
+  PlatformRoot* root = PlatformRoot::Current();
+  if (PictureKey.empty() || !root || !root->Images()) return;
+  const SurfacePtr picture = root->Images()->Get(PictureKey);
+  if (!picture) return;
+  if (Stretch) {
+    ctx.DrawSurface(picture, 0, 0, w, h, Filter::Good);
+    return;
+  }
+  // Kept in shape: as large as fits, centred.
+  const double scale = std::min(w / picture->Width(), h / picture->Height());
+  const double pw = picture->Width() * scale, ph = picture->Height() * scale;
+  ctx.DrawSurface(picture, (w - pw) / 2, (h - ph) / 2, pw, ph, Filter::Good);
+}
+
+std::unique_ptr<Widget> CreateWidget(const std::string& className) {
+  if (className == "cwButton") return std::make_unique<cwButton>();
+  if (className == "cwLabel") return std::make_unique<cwLabel>();
+  if (className == "cwFrame") return std::make_unique<cwFrame>();
+  if (className == "cwImage") return std::make_unique<cwImage>();
+  return nullptr;
+}
+
+}  // namespace qds

@@ -1,0 +1,66 @@
+#pragma once
+// The stock widgets every view is built from. Each draws itself in the
+// program's palette and tells its owner of clicks both through its event
+// and, by name, up the tree as a bubbling event.
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/ui/Widget.h"
+
+namespace qds {
+
+// A push button with a caption and an optional picture; checkable buttons
+// stay down until pressed again.
+class cwButton : public Widget {
+ public:
+  cwButton() : Widget("cwButton") { CanFocus = true; }
+  std::string Caption;
+  std::string PictureKey;
+  bool Checkable = false;
+  bool Checked = false;
+  std::function<void()> Click;
+
+  void W_Paint(DrawingContext& ctx, double w, double h) override;
+  bool W_MouseDown(int button, int shift, double x, double y) override;
+  bool W_MouseUp(int button, int shift, double x, double y) override;
+  void W_MouseEnter() override { Refresh(); }
+  void W_MouseLeave() override { Refresh(); }
+  void W_KeyDown(int& keyCode, int shift) override;
+
+ private:
+  void Press();
+  bool pressed_ = false;
+};
+
+class cwLabel : public Widget {
+ public:
+  cwLabel() : Widget("cwLabel") {}
+  std::string Caption;
+  int Alignment = 0;  // 0 left, 1 right, 2 centre
+  bool WordWrap = false;
+  void W_Paint(DrawingContext& ctx, double w, double h) override;
+};
+
+// A border with an optional caption, to group other widgets.
+class cwFrame : public Widget {
+ public:
+  cwFrame() : Widget("cwFrame") {}
+  std::string Caption;
+  void W_Paint(DrawingContext& ctx, double w, double h) override;
+};
+
+// A picture of the image cache, stretched to the widget or kept in shape.
+class cwImage : public Widget {
+ public:
+  cwImage() : Widget("cwImage") {}
+  std::string PictureKey;
+  bool Stretch = false;
+  void W_Paint(DrawingContext& ctx, double w, double h) override;
+};
+
+// A new stock widget by its class name; null for a name it does not know.
+std::unique_ptr<Widget> CreateWidget(const std::string& className);
+
+}  // namespace qds

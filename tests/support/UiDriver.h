@@ -1,0 +1,52 @@
+#pragma once
+// Drives a form like a user on the headless backend: click a widget, type,
+// press keys, and look at the form.
+
+#include <memory>
+#include <string>
+
+#include "platform/DrawingSurface.h"
+#include "platform/ui/Form.h"
+#include "platform/ui/PlatformRoot.h"
+
+class UiDriver {
+ public:
+  UiDriver() : backend_(new qds::HeadlessBackend), root_(std::unique_ptr<qds::UiBackend>(backend_)) {}
+  qds::PlatformRoot& Root() { return root_; }
+  qds::HeadlessBackend& Backend() { return *backend_; }
+
+  void Click(qds::Widget& w, int button = qds::Button::Left, int shift = 0) {
+    double x, y;
+    Centre(w, x, y);
+    Push(qds::UiEvent::Type::MouseMove, *w.Form(), 0, shift, 0, x, y);
+    Push(qds::UiEvent::Type::MouseDown, *w.Form(), button, shift, 0, x, y);
+    Push(qds::UiEvent::Type::MouseUp, *w.Form(), button, shift, 0, x, y);
+    root_.DoEvents();
+  }
+  void Press(qds::cfForm& form, int keyCode, int shift = 0) {
+    Push(qds::UiEvent::Type::KeyDown, form, 0, shift, keyCode, 0, 0);
+    Push(qds::UiEvent::Type::KeyUp, form, 0, shift, keyCode, 0, 0);
+    root_.DoEvents();
+  }
+  void Type(qds::cfForm& form, const std::string& text) {
+    for (char c : text) Push(qds::UiEvent::Type::KeyPress, form, 0, 0, static_cast<unsigned char>(c), 0, 0);
+    root_.DoEvents();
+  }
+  qds::SurfacePtr Screenshot(qds::cfForm& form) {
+    root_.DoEvents();
+    return form.Surface();
+  }
+
+ private:
+  void Centre(qds::Widget& w, double& x, double& y) {
+    w.FormPosition(x, y);
+    const double zoom = w.Form()->Zoom();
+    x = (x + w.Width() / 2) * zoom;
+    y = (y + w.Height() / 2) * zoom;
+  }
+  void Push(qds::UiEvent::Type t, qds::cfForm& form, int button, int shift, int key, double x, double y) {
+    backend_->Push({t, &form, button, shift, key, x, y});
+  }
+  qds::HeadlessBackend* backend_;
+  qds::PlatformRoot root_;
+};

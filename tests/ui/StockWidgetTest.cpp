@@ -1,0 +1,90 @@
+#include <gtest/gtest.h>
+
+#include "platform/ImageList.h"
+#include "platform/SvgRenderer.h"
+#include "platform/stock/StockDrawing.h"
+#include "platform/stock/StockWidgets.h"
+#include "tests/support/Pixels.h"
+#include "tests/support/UiDriver.h"
+
+using namespace qds;
+
+namespace {
+
+struct Host : cfForm {
+  std::vector<std::string> events;
+  void Form_BubblingEvent(Widget& source, const std::string& name, const std::vector<Value>&) override {
+    events.push_back(source.Key() + ":" + name);
+  }
+};
+
+}  // namespace
+
+TEST(StockWidgets, ButtonsClickByMouseAndKeyAndCheckableOnesToggle) {
+  UiDriver ui;
+  Host form;
+  form.Move(0, 0, 200, 100);
+  int clicks = 0;
+  cwButton& ok = form.Children().Add(std::make_unique<cwButton>(), "btnOk");
+  ok.Move(10, 10, 80, 24);
+  ok.Caption = "Ok";
+  ok.Click = [&] { ++clicks; };
+  cwButton& toggle = form.Children().Add(std::make_unique<cwButton>(), "chkRuler");
+  toggle.Move(100, 10, 80, 24);
+  toggle.Checkable = true;
+  form.Show();
+
+  ui.Click(ok);
+  EXPECT_EQ(clicks, 1);
+  EXPECT_TRUE(ok.HasFocus());
+  ui.Press(form, Key::Return);
+  EXPECT_EQ(clicks, 2);
+  ui.Click(toggle);
+  EXPECT_TRUE(toggle.Checked);
+  ui.Click(toggle);
+  EXPECT_FALSE(toggle.Checked);
+  EXPECT_EQ(form.events,
+            (std::vector<std::string>{"btnOk:Click", "btnOk:Click", "chkRuler:Click", "chkRuler:Click"}));
+
+  // Pressing, then letting go elsewhere, is no click.
+  ui.Backend().Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 20, 20});
+  ui.Backend().Push({UiEvent::Type::MouseUp, &form, Button::Left, 0, 0, 150, 90});
+  ui.Root().DoEvents();
+  EXPECT_EQ(clicks, 2);
+  // A disabled button takes nothing.
+  ok.setEnabled(false);
+  ui.Click(ok);
+  EXPECT_EQ(clicks, 2);
+}
+
+TEST(StockWidgets, LabelsFramesAndImagesDrawAndAreMadeByName) {
+  UiDriver ui;
+  SvgRenderer renderer;
+  ImageList images(renderer);
+  ASSERT_TRUE(images.AddFromBytes(ToBytes(R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 10 10">)"
+                                          R"(<rect width="10" height="10" fill="#00ff00"/></svg>)"),
+                                  "Green", 16, 16));
+  ui.Root().setImages(&images);
+  cfForm form;
+  form.Move(0, 0, 120, 80);
+  form.BackColor = StockColor(Palette::Back);
+  std::unique_ptr<Widget> made = CreateWidget("cwImage");
+  ASSERT_TRUE(made);
+  auto& image = form.Children().Add(std::move(made), "img");
+  static_cast<cwImage&>(image).PictureKey = "Green";
+  image.Move(10, 10, 40, 20);  // kept in shape: a 20 square in the middle
+  auto& label = static_cast<cwLabel&>(form.Children().Add(CreateWidget("cwLabel"), "lbl"));
+  label.Move(10, 40, 100, 20);
+  label.Caption = "Quillaron";
+  form.Children().Add(CreateWidget("cwFrame"), "frm").Move(60, 5, 55, 30);
+  EXPECT_EQ(CreateWidget("cwNoSuchThing"), nullptr);
+  form.Show();
+
+  const SurfacePtr shot = ui.Screenshot(form);
+  EXPECT_EQ(PixelAt(shot, 30, 20), (Bgra{0, 255, 0, 255}));  // the picture
+  EXPECT_EQ(PixelAt(shot, 12, 20).g, 0x32);                  // beside it: the background
+  bool ink = false;
+  for (int x = 12; x < 80 && !ink; ++x) ink = PixelAt(shot, x, 50).r > 0x80;  // light text on dark
+  EXPECT_TRUE(ink);
+  EXPECT_EQ(PixelAt(shot, 60, 20), (Bgra{0x44, 0x44, 0x44, 255}));  // the frame's left edge
+}

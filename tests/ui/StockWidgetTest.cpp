@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "app/ui/DemoWidgetsForm.h"
 #include "platform/ImageList.h"
 #include "platform/SvgRenderer.h"
 #include "platform/stock/StockDrawing.h"
@@ -87,4 +88,20 @@ TEST(StockWidgets, LabelsFramesAndImagesDrawAndAreMadeByName) {
   for (int x = 12; x < 80 && !ink; ++x) ink = PixelAt(shot, x, 50).r > 0x80;  // light text on dark
   EXPECT_TRUE(ink);
   EXPECT_EQ(PixelAt(shot, 60, 20), (Bgra{0x44, 0x44, 0x44, 255}));  // the frame's left edge
+}
+
+TEST(StockWidgets, TheDemonstrationFormWorksWithoutADisplay) {
+  UiDriver ui;
+  DemoWidgetsForm form;
+  form.Show();
+  const SurfacePtr before = ui.Screenshot(form);
+  EXPECT_EQ(before->Width(), 360);
+  cwButton& ok = static_cast<cwButton&>(form.Children().Item("frmButtons").Children().Item("btnOk"));
+  ui.Click(ok);
+  ui.Click(ok);
+  EXPECT_EQ(form.Clicks, 2);
+  EXPECT_EQ(static_cast<cwLabel&>(form.Children().Item("lblStatus")).Caption, "Clicks: 2");
+  cwButton& off = static_cast<cwButton&>(form.Children().Item("frmButtons").Children().Item("btnOff"));
+  ui.Click(off);
+  EXPECT_EQ(form.Clicks, 2);
 }

@@ -1,0 +1,239 @@
+#include "platform/ui/SdlBackend.h"
+
+#include <SDL.h>
+
+#include <cmath>
+
+#include "platform/DrawingContext.h"
+#include "platform/DrawingSurface.h"
+#include "platform/Error.h"
+#include "platform/ui/Form.h"
+
+namespace qds {
+
+namespace {
+
+int Flags(Uint16 mod) {
+  return ((mod & KMOD_SHIFT) ? Shift::ShiftKey : 0) | ((mod & KMOD_CTRL) ? Shift::Ctrl : 0) |
+         ((mod & KMOD_ALT) ? Shift::Alt : 0);
+}
+
+int Buttons(Uint8 button) {
+  switch (button) {
+    case SDL_BUTTON_LEFT:
+      return Button::Left;
+    case SDL_BUTTON_RIGHT:
+      return Button::Right;
+    case SDL_BUTTON_MIDDLE:
+      return Button::Middle;
+    default:
+      return 0;
+  }
+}
+
+int HeldButtons(Uint32 state) {
+  return ((state & SDL_BUTTON_LMASK) ? Button::Left : 0) | ((state & SDL_BUTTON_RMASK) ? Button::Right : 0) |
+         ((state & SDL_BUTTON_MMASK) ? Button::Middle : 0);
+}
+
+// SDL key symbols to the key codes the handlers know (letters as capitals,
+// digits as themselves, as the old runtime numbered them).
+int KeyCode(SDL_Keycode k) {
+  switch (k) {
+    case SDLK_BACKSPACE:
+      return Key::Back;
+    case SDLK_TAB:
+      return Key::Tab;
+    case SDLK_RETURN:
+    case SDLK_KP_ENTER:
+      return Key::Return;
+    case SDLK_ESCAPE:
+      return Key::Escape;
+    case SDLK_SPACE:
+      return Key::Space;
+    case SDLK_PAGEUP:
+      return Key::PageUp;
+    case SDLK_PAGEDOWN:
+      return Key::PageDown;
+    case SDLK_END:
+      return Key::End;
+    case SDLK_HOME:
+      return Key::Home;
+    case SDLK_LEFT:
+      return Key::Left;
+    case SDLK_UP:
+      return Key::Up;
+    case SDLK_RIGHT:
+      return Key::Right;
+    case SDLK_DOWN:
+      return Key::Down;
+    case SDLK_DELETE:
+      return Key::Delete;
+    default:
+      break;
+  }
+  if (k >= SDLK_a && k <= SDLK_z) return 'A' + (k - SDLK_a);
+  if (k >= SDLK_0 && k <= SDLK_9) return '0' + (k - SDLK_0);
+  if (k >= SDLK_F1 && k <= SDLK_F12) return 112 + (k - SDLK_F1);
+  return 0;
+}
+
+}  // namespace
+
+SdlBackend::SdlBackend() {
+  if (SDL_Init(SDL_INIT_VIDEO | SDL_INIT_TIMER) != 0) {
+    Raise(ErrNo::InvalidArgument, std::string("No display could be opened: ") + SDL_GetError(), "SdlBackend");
+  }
+  SDL_StartTextInput();
+}
+
+SdlBackend::~SdlBackend() {
+  for (auto& [form, w] : windows_) {
+    SDL_DestroyTexture(w.texture);
+    SDL_DestroyRenderer(w.renderer);
+    SDL_DestroyWindow(w.window);
+  }
+  SDL_Quit();
+}
+
+double SdlBackend::NowMs() {
+  return static_cast<double>(SDL_GetTicks64());
+}
+
+cfForm* SdlBackend::FormOf(unsigned windowId) const {
+  for (const auto& [form, w] : windows_) {
+    if (SDL_GetWindowID(w.window) == windowId) return form;
+  }
+  return nullptr;
+}
+
+void SdlBackend::FormShown(cfForm& form) {
+  if (windows_.count(&form)) return;
+  Window w;
+  w.w = std::max(1, static_cast<int>(std::lround(form.Width() * form.Zoom())));
+  w.h = std::max(1, static_cast<int>(std::lround(form.Height() * form.Zoom())));
+  w.window = SDL_CreateWindow(form.Caption.c_str(), SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, w.w, w.h,
+                              SDL_WINDOW_SHOWN);
+  if (!w.window) Raise(ErrNo::InvalidArgument, std::string("No window: ") + SDL_GetError(), "SdlBackend");
+  w.renderer = SDL_CreateRenderer(w.window, -1, SDL_RENDERER_SOFTWARE);
+  w.texture = SDL_CreateTexture(w.renderer, SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STREAMING, w.w, w.h);
+  windows_[&form] = w;
+  form.Invalidate();
+}
+
+void SdlBackend::FormClosed(cfForm& form) {
+  auto it = windows_.find(&form);
+  if (it == windows_.end()) return;
+  SDL_DestroyTexture(it->second.texture);
+  SDL_DestroyRenderer(it->second.renderer);
+  SDL_DestroyWindow(it->second.window);
+  windows_.erase(it);
+}
+
+void SdlBackend::Present(cfForm& form) {
+  auto it = windows_.find(&form);
+  if (it == windows_.end()) return;
+  Window& w = it->second;
+  const SurfacePtr& surface = form.Surface();
+  if (surface->Width() != w.w || surface->Height() != w.h) {
+    SDL_DestroyTexture(w.texture);
+    w.w = surface->Width(), w.h = surface->Height();
+    SDL_SetWindowSize(w.window, w.w, w.h);
+    w.texture =
+        SDL_CreateTexture(w.renderer, SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STREAMING, w.w, w.h);
+  }
+  {
+    // cairo's ARGB32 is SDL's ARGB8888 on this byte order; the form is
+    // opaque, so premultiplying changes nothing.
+    const PixelView v = surface->Pixels();
+    SDL_UpdateTexture(w.texture, nullptr, v.Bytes(), v.Stride());
+  }
+  SDL_RenderCopy(w.renderer, w.texture, nullptr, nullptr);
+  SDL_RenderPresent(w.renderer);
+  if (firstFrame_) {
+    firstFrame_ = false;
+    if (OnFirstFrame) OnFirstFrame();
+  }
+}
+
+Bytes SdlBackend::WindowPng(cfForm& form) {
+  auto it = windows_.find(&form);
+  if (it == windows_.end()) return {};
+  Window& w = it->second;
+  SurfacePtr shot = DrawingSurface::Create(w.w, w.h);
+  {
+    PixelView v = shot->Pixels();
+    SDL_RenderReadPixels(w.renderer, nullptr, SDL_PIXELFORMAT_ARGB8888, v.Bytes(), v.Stride());
+  }
+  return shot->ToPngBytes();
+}
+
+bool SdlBackend::WaitEvent(double timeoutMs, UiEvent& event) {
+  SDL_Event e;
+  const int got = timeoutMs <= 0 ? SDL_PollEvent(&e)
+                                 : SDL_WaitEventTimeout(&e, static_cast<int>(std::min(timeoutMs, 100000.0)));
+  if (!got) return false;
+  event = UiEvent();
+  switch (e.type) {
+    case SDL_MOUSEBUTTONDOWN:
+    case SDL_MOUSEBUTTONUP:
+      event.form = FormOf(e.button.windowID);
+      event.type = e.type == SDL_MOUSEBUTTONUP ? UiEvent::Type::MouseUp
+                   : e.button.clicks == 2      ? UiEvent::Type::DblClick
+                                               : UiEvent::Type::MouseDown;
+      event.button = Buttons(e.button.button);
+      event.shift = Flags(SDL_GetModState());
+      event.x = e.button.x, event.y = e.button.y;
+      return true;
+    case SDL_MOUSEMOTION:
+      event.form = FormOf(e.motion.windowID);
+      event.type = UiEvent::Type::MouseMove;
+      event.button = HeldButtons(e.motion.state);
+      event.shift = Flags(SDL_GetModState());
+      event.x = e.motion.x, event.y = e.motion.y;
+      return true;
+    case SDL_MOUSEWHEEL: {
+      event.form = FormOf(e.wheel.windowID);
+      event.type = UiEvent::Type::Wheel;
+      event.button = e.wheel.y;
+      int x, y;
+      SDL_GetMouseState(&x, &y);
+      event.x = x, event.y = y;
+      event.shift = Flags(SDL_GetModState());
+      return true;
+    }
+    case SDL_KEYDOWN:
+    case SDL_KEYUP:
+      event.form = FormOf(e.key.windowID);
+      event.type = e.type == SDL_KEYDOWN ? UiEvent::Type::KeyDown : UiEvent::Type::KeyUp;
+      event.key = KeyCode(e.key.keysym.sym);
+      event.shift = Flags(e.key.keysym.mod);
+      return event.key != 0;
+    case SDL_TEXTINPUT:
+      event.form = FormOf(e.text.windowID);
+      event.type = UiEvent::Type::KeyPress;
+      event.key = static_cast<unsigned char>(e.text.text[0]);
+      return true;
+    case SDL_WINDOWEVENT:
+      if (e.window.event == SDL_WINDOWEVENT_CLOSE) {
+        event.form = FormOf(e.window.windowID);
+        event.type = UiEvent::Type::Close;
+        return true;
+      }
+      if (e.window.event == SDL_WINDOWEVENT_EXPOSED) {
+        if (cfForm* f = FormOf(e.window.windowID)) f->Invalidate();
+      }
+      return false;
+    case SDL_QUIT:
+      if (!windows_.empty()) {
+        event.form = windows_.begin()->first;
+        event.type = UiEvent::Type::Close;
+        return true;
+      }
+      return false;
+    default:
+      return false;
+  }
+}
+
+}  // namespace qds

@@ -1,0 +1,46 @@
+#pragma once
+// Real windows through SDL2: one window per shown form, the form's picture
+// uploaded to a streaming texture, SDL's events turned into the program's.
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include "platform/Bytes.h"
+#include "platform/ui/PlatformRoot.h"
+
+struct SDL_Window;
+struct SDL_Renderer;
+struct SDL_Texture;
+
+namespace qds {
+
+class SdlBackend : public UiBackend {
+ public:
+  // Raises an AppError when no display can be opened.
+  SdlBackend();
+  ~SdlBackend() override;
+
+  double NowMs() override;
+  bool WaitEvent(double timeoutMs, UiEvent& event) override;
+  void FormShown(cfForm& form) override;
+  void FormClosed(cfForm& form) override;
+  void Present(cfForm& form) override;
+  // What the window shows now, read back from the screen, as PNG.
+  Bytes WindowPng(cfForm& form);
+  // Called once, after the first picture reached a window.
+  std::function<void()> OnFirstFrame;
+
+ private:
+  struct Window {
+    SDL_Window* window = nullptr;
+    SDL_Renderer* renderer = nullptr;
+    SDL_Texture* texture = nullptr;
+    int w = 0, h = 0;
+  };
+  cfForm* FormOf(unsigned windowId) const;
+  std::map<cfForm*, Window> windows_;
+  bool firstFrame_ = true;
+};
+
+}  // namespace qds

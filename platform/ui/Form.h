@@ -26,6 +26,8 @@ class cfForm : public Widget {
   // Asks Form_QueryUnload; on yes runs Form_Unload and closes.
   bool Close();
   bool Showing() const { return showing_; }
+  // A pop-up closes when the mouse is pressed outside it, on another form.
+  bool PopUp = false;
   bool Modal() const { return modal_; }
 
   // The picture of the form in device pixels, painted when dirty.

@@ -1,6 +1,11 @@
 #include "platform/ui/PlatformRoot.h"
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cstdlib>
+#include <string>
 
 #include "platform/Error.h"
 #include "platform/ui/Form.h"
@@ -39,6 +44,10 @@ void PlatformRoot::KillTimer(int id) {
 }
 
 void PlatformRoot::KillTimersOf(const Widget* owner) {
+  if (dragSource_ == owner) {
+    dragSource_ = nullptr;
+    dragKey_.clear();
+  }
   timers_.erase(
       std::remove_if(timers_.begin(), timers_.end(), [&](const TimerEntry& t) { return t.owner == owner; }),
       timers_.end());
@@ -62,9 +71,59 @@ void PlatformRoot::FormClosed(cfForm& form) {
   backend_->FormClosed(form);
 }
 
+void PlatformRoot::StartDrag(Widget& source, const std::string& dataKey, const std::string& pictureKey) {
+  dragSource_ = &source;
+  dragKey_ = dataKey;
+  dragPicture_ = pictureKey;
+}
+
+bool PlatformRoot::ShellOpen(const std::string& target) {
+  const char* path = std::getenv("PATH");
+  bool found = false;
+  for (std::string dirs = path ? path : ""; !dirs.empty() && !found;) {
+    const std::size_t colon = dirs.find(':');
+    found = ::access((dirs.substr(0, colon) + "/xdg-open").c_str(), X_OK) == 0;
+    dirs = colon == std::string::npos ? "" : dirs.substr(colon + 1);
+  }
+  if (!found) return false;
+  // Detached twice, so that the program never waits for what it opened.
+  const pid_t pid = ::fork();
+  if (pid < 0) return false;
+  if (pid == 0) {
+    if (::fork() == 0) {
+      ::execlp("xdg-open", "xdg-open", target.c_str(), static_cast<char*>(nullptr));
+      ::_exit(127);
+    }
+    ::_exit(0);
+  }
+  int status = 0;
+  ::waitpid(pid, &status, 0);
+  return true;
+}
+
 void PlatformRoot::Dispatch(const UiEvent& e) {
   cfForm* f = e.form;
   if (!f || std::find(forms_.begin(), forms_.end(), f) == forms_.end()) return;  // a form that has gone
+  if (e.type == UiEvent::Type::MouseDown) {
+    // A press anywhere else closes the pop-ups that are open.
+    for (cfForm* other : std::vector<cfForm*>(forms_)) {
+      if (other != f && other->PopUp && other->Showing()) other->Close();
+    }
+  }
+  if (e.type == UiEvent::Type::MouseUp && Dragging()) {
+    Widget& target = f->HitTest(e.x, e.y);
+    double ox, oy;
+    target.FormPosition(ox, oy);
+    const std::string key = dragKey_;
+    Widget* source = dragSource_;
+    dragKey_.clear();
+    dragPicture_.clear();
+    dragSource_ = nullptr;
+    if (source) {
+      RunHandler(target.TypeName() + ":W_DragDrop", HandlerMode::Report,
+                 [&] { target.W_DragDrop(key, *source, e.x / f->Zoom() - ox, e.y / f->Zoom() - oy); });
+    }
+  }
   switch (e.type) {
     case UiEvent::Type::MouseDown:
       f->MouseDown(e.button, e.shift, e.x, e.y);

@@ -36,6 +36,17 @@ class UiBackend {
   virtual void FormClosed(cfForm& form) { (void)form; }
   // The form's surface has changed in the given device rectangle.
   virtual void Present(cfForm& form) { (void)form; }
+  // System services: the mouse cursor (32512 arrow, 32514 wait, ...),
+  // clipboard text, and the screen's dots per inch.
+  virtual void SetCursor(int cursor) { cursor_ = cursor; }
+  int CurrentCursor() const { return cursor_; }
+  virtual void SetClipboardText(const std::string& text) { clipboard_ = text; }
+  virtual std::string ClipboardText() { return clipboard_; }
+  virtual double ScreenDpi() { return 96; }
+
+ private:
+  int cursor_ = 32512;
+  std::string clipboard_;
 };
 
 class PlatformRoot {
@@ -64,6 +75,17 @@ class PlatformRoot {
   void FormClosed(cfForm& form);
   const std::vector<cfForm*>& Forms() const { return forms_; }
 
+  // A drag within the program: started by a widget on a mouse press, it
+  // follows the mouse and ends on the next release over a widget, whose
+  // W_DragDrop receives the data key.
+  void StartDrag(Widget& source, const std::string& dataKey, const std::string& pictureKey);
+  bool Dragging() const { return !dragKey_.empty(); }
+  const std::string& DragPicture() const { return dragPicture_; }
+
+  // Opens a document, folder or web address with the desktop's program.
+  // False, with nothing started, when there is no such program.
+  static bool ShellOpen(const std::string& target);
+
   // Everything pending once: events, due timers, deferred work, painting.
   void DoEvents();
   // Until the last form is gone.
@@ -91,6 +113,8 @@ class PlatformRoot {
   std::vector<std::function<void()>> deferred_;
   std::vector<std::shared_ptr<Widget>> graveyard_;
   std::vector<cfForm*> forms_;
+  std::string dragKey_, dragPicture_;
+  Widget* dragSource_ = nullptr;
   int nextTimer_ = 1;
   ImageList* images_ = nullptr;
   PlatformRoot* previous_;

@@ -87,7 +87,35 @@ SdlBackend::SdlBackend() {
   SDL_StartTextInput();
 }
 
+void SdlBackend::SetCursor(int cursor) {
+  UiBackend::SetCursor(cursor);
+  SDL_SystemCursor id = SDL_SYSTEM_CURSOR_ARROW;
+  if (cursor == Cursor::Wait) id = SDL_SYSTEM_CURSOR_WAIT;
+  if (cursor == Cursor::Hand) id = SDL_SYSTEM_CURSOR_HAND;
+  if (cursor == Cursor::IBeam) id = SDL_SYSTEM_CURSOR_IBEAM;
+  SDL_Cursor*& c = cursors_[id];
+  if (!c) c = SDL_CreateSystemCursor(id);
+  if (c) SDL_SetCursor(c);
+}
+
+void SdlBackend::SetClipboardText(const std::string& text) {
+  SDL_SetClipboardText(text.c_str());
+}
+
+std::string SdlBackend::ClipboardText() {
+  char* text = SDL_GetClipboardText();
+  std::string out = text ? text : "";
+  SDL_free(text);
+  return out;
+}
+
+double SdlBackend::ScreenDpi() {
+  float dpi = 96;
+  return SDL_GetDisplayDPI(0, nullptr, &dpi, nullptr) == 0 ? dpi : 96;
+}
+
 SdlBackend::~SdlBackend() {
+  for (auto& [id, c] : cursors_) SDL_FreeCursor(c);
   for (auto& [form, w] : windows_) {
     SDL_DestroyTexture(w.texture);
     SDL_DestroyRenderer(w.renderer);

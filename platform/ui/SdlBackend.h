@@ -12,6 +12,7 @@
 struct SDL_Window;
 struct SDL_Renderer;
 struct SDL_Texture;
+struct SDL_Cursor;
 
 namespace qds {
 
@@ -26,6 +27,10 @@ class SdlBackend : public UiBackend {
   void FormShown(cfForm& form) override;
   void FormClosed(cfForm& form) override;
   void Present(cfForm& form) override;
+  void SetCursor(int cursor) override;
+  void SetClipboardText(const std::string& text) override;
+  std::string ClipboardText() override;
+  double ScreenDpi() override;
   // What the window shows now, read back from the screen, as PNG.
   Bytes WindowPng(cfForm& form);
   // Called once, after the first picture reached a window.
@@ -40,6 +45,7 @@ class SdlBackend : public UiBackend {
   };
   cfForm* FormOf(unsigned windowId) const;
   std::map<cfForm*, Window> windows_;
+  std::map<int, SDL_Cursor*> cursors_;
   bool firstFrame_ = true;
 };
 

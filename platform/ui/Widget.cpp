@@ -118,6 +118,10 @@ bool Widget::MouseOver() const {
   return form && form->HoverWidget() == this;
 }
 
+void Widget::StartDrag(const std::string& dataKey, const std::string& pictureKey) {
+  if (PlatformRoot* root = PlatformRoot::Current()) root->StartDrag(*this, dataKey, pictureKey);
+}
+
 void Widget::RaiseBubblingEvent(const std::string& name, const std::vector<Value>& args) {
   if (cfForm* form = Form()) form->Form_BubblingEvent(*this, name, args);
 }

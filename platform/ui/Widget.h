@@ -104,6 +104,9 @@ class Widget {
   std::string ToolTip;
   int MouseCursor = Cursor::Arrow;
 
+  // Starts a drag that carries `dataKey`, showing `pictureKey` at the mouse.
+  void StartDrag(const std::string& dataKey, const std::string& pictureKey = {});
+
   // Raises `name` up the tree to the form's Form_BubblingEvent.
   void RaiseBubblingEvent(const std::string& name, const std::vector<Value>& args = {});
 
@@ -124,6 +127,10 @@ class Widget {
   virtual void W_KeyDown(int& keyCode, int shift) { (void)keyCode, (void)shift; }
   virtual void W_KeyUp(int& keyCode, int shift) { (void)keyCode, (void)shift; }
   virtual void W_KeyPress(int& keyAscii) { (void)keyAscii; }
+  // A drag of the program ended over this widget.
+  virtual void W_DragDrop(const std::string& dataKey, Widget& source, double x, double y) {
+    (void)dataKey, (void)source, (void)x, (void)y;
+  }
   virtual void W_GotFocus() {}
   virtual void W_LostFocus() {}
 

@@ -221,3 +221,49 @@ TEST_F(Ui, AModalFormBlocksItsOwnerUntilClosed) {
   // A loop with nothing to wait for says so instead of hanging.
   EXPECT_THROW(root.RunMessageLoop(), AppError);
 }
+
+TEST_F(Ui, DragsDropOnTheWidgetUnderTheMouseAndPopUpsCloseOutside) {
+  struct Target : Probe {
+    using Probe::Probe;
+    std::string dropped;
+    void W_DragDrop(const std::string& key, Widget& source, double x, double y) override {
+      dropped =
+          key + " from " + source.Key() + " at " + std::to_string(int(x)) + "," + std::to_string(int(y));
+    }
+  };
+  Target& target = form.Children().Add(std::make_unique<Target>(0x00FF00), "target");
+  target.Move(70, 60, 30, 20);
+  backend->Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 45, 35});
+  root.DoEvents();
+  child->StartDrag("Images.ID=7", "DragIcon");
+  EXPECT_TRUE(root.Dragging());
+  EXPECT_EQ(root.DragPicture(), "DragIcon");
+  backend->Push({UiEvent::Type::MouseMove, &form, Button::Left, 0, 0, 80, 70});
+  backend->Push({UiEvent::Type::MouseUp, &form, Button::Left, 0, 0, 80, 70});
+  root.DoEvents();
+  EXPECT_EQ(target.dropped, "Images.ID=7 from child at 10,10");
+  EXPECT_FALSE(root.Dragging());
+
+  // A pop-up goes when the mouse is pressed on another form.
+  TestForm popup;
+  popup.PopUp = true;
+  popup.Move(0, 0, 20, 20);
+  popup.Show();
+  backend->Push({UiEvent::Type::MouseDown, &popup, Button::Left, 0, 0, 5, 5});
+  root.DoEvents();
+  EXPECT_TRUE(popup.Showing());
+  backend->Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 5, 5});
+  root.DoEvents();
+  EXPECT_FALSE(popup.Showing());
+
+  // Services of the desktop, as far as a machine without one has them.
+  root.Backend().SetClipboardText("#C38C00");
+  EXPECT_EQ(root.Backend().ClipboardText(), "#C38C00");
+  root.Backend().SetCursor(Cursor::Wait);
+  EXPECT_EQ(root.Backend().CurrentCursor(), Cursor::Wait);
+  const char* path = std::getenv("PATH");
+  const std::string saved = path ? path : "";
+  ::setenv("PATH", "/nonexistent", 1);
+  EXPECT_FALSE(PlatformRoot::ShellOpen("/tmp"));  // nothing to open it with: said, not started
+  ::setenv("PATH", saved.c_str(), 1);
+}

@@ -6,6 +6,7 @@
 #include "platform/DrawingSurface.h"
 #include "platform/ImageList.h"
 #include "platform/stock/StockDrawing.h"
+#include "platform/stock/cwScrollBar.h"
 #include "platform/ui/PlatformRoot.h"
 
 namespace qds {
@@ -112,6 +113,9 @@ std::unique_ptr<Widget> CreateWidget(const std::string& className) {
   if (className == "cwLabel") return std::make_unique<cwLabel>();
   if (className == "cwFrame") return std::make_unique<cwFrame>();
   if (className == "cwImage") return std::make_unique<cwImage>();
+  if (className == "cwVScrollBar") return std::make_unique<cwVScrollBar>();
+  if (className == "cwHScrollBar") return std::make_unique<cwHScrollBar>();
+  if (className == "cwStatusBar") return std::make_unique<cwStatusBar>();
   return nullptr;
 }
 

@@ -1,10 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "app/ui/DemoWidgetsForm.h"
+#include "platform/DrawingContext.h"
 #include "platform/ImageList.h"
 #include "platform/SvgRenderer.h"
 #include "platform/stock/StockDrawing.h"
 #include "platform/stock/StockWidgets.h"
+#include "platform/stock/cwScrollBar.h"
 #include "tests/support/Pixels.h"
 #include "tests/support/UiDriver.h"
 
@@ -104,4 +108,75 @@ TEST(StockWidgets, TheDemonstrationFormWorksWithoutADisplay) {
   cwButton& off = static_cast<cwButton&>(form.Children().Item("frmButtons").Children().Item("btnOff"));
   ui.Click(off);
   EXPECT_EQ(form.Clicks, 2);
+}
+
+TEST(StockWidgets, ScrollBarsMoveByArrowTrackThumbAndWheelWithinTheirRange) {
+  UiDriver ui;
+  Host form;
+  form.Move(0, 0, 100, 240);
+  auto& bar = static_cast<cwScrollBar&>(form.Children().Add(CreateWidget("cwVScrollBar"), "vsb"));
+  bar.Move(10, 10, 16, 200);  // arrows 16 px, track 168 px
+  int changes = 0;
+  bar.Change = [&] { ++changes; };
+  form.Show();
+  auto mouse = [&](UiEvent::Type t, double y) {
+    ui.Backend().Push({t, &form, Button::Left, 0, 0, 18, y});
+    ui.Root().DoEvents();
+  };
+  auto click = [&](double y) {
+    mouse(UiEvent::Type::MouseDown, y);
+    mouse(UiEvent::Type::MouseUp, y);
+  };
+
+  click(15);  // the up arrow at the top goes nowhere
+  EXPECT_EQ(bar.Value(), 0);
+  EXPECT_EQ(changes, 0);
+  click(205);  // the down arrow
+  EXPECT_EQ(bar.Value(), 1);
+  click(180);  // the track below the thumb
+  EXPECT_EQ(bar.Value(), 11);
+  click(30);  // above it
+  EXPECT_EQ(bar.Value(), 1);
+  EXPECT_EQ(changes, 3);
+  EXPECT_EQ(std::count(form.events.begin(), form.events.end(), "vsb:Change"), 3);
+
+  // Dragging the thumb to the end of the track, and beyond, stops at Max.
+  bar.setValue(0);
+  mouse(UiEvent::Type::MouseDown, 10 + 16 + 5);
+  mouse(UiEvent::Type::MouseMove, 120);
+  EXPECT_GT(bar.Value(), 40);
+  EXPECT_LT(bar.Value(), 60);
+  mouse(UiEvent::Type::MouseMove, 400);  // the bar keeps the mouse while it is outside
+  EXPECT_EQ(bar.Value(), 100);
+  mouse(UiEvent::Type::MouseUp, 400);
+  mouse(UiEvent::Type::MouseMove, 30);
+  EXPECT_EQ(bar.Value(), 100);
+
+  // The wheel rolls three small steps at a time, never below Min.
+  ui.Backend().Push({UiEvent::Type::Wheel, &form, 1, 0, 0, 18, 100});
+  ui.Root().DoEvents();
+  EXPECT_EQ(bar.Value(), 97);
+  bar.setValue(-5);
+  EXPECT_EQ(bar.Value(), 0);
+  bar.Max = -3;  // an empty range holds the value at Min
+  bar.setValue(7);
+  EXPECT_EQ(bar.Value(), 0);
+}
+
+TEST(StockWidgets, TheStatusBarLetsItsOwnerDrawOverIt) {
+  UiDriver ui;
+  Host form;
+  form.Move(0, 0, 200, 40);
+  auto& status = static_cast<cwStatusBar&>(form.Children().Add(CreateWidget("cwStatusBar"), "sb"));
+  status.Move(0, 20, 200, 20);
+  status.Caption = "Ready";
+  status.OwnerDraw = [](DrawingContext& ctx, double w, double h) {
+    ctx.SetSourceColor(0x0000FF);  // red
+    ctx.Rectangle(w - 10, 0, 10, h);
+    ctx.Fill();
+  };
+  form.Show();
+  const SurfacePtr shot = ui.Screenshot(form);
+  EXPECT_EQ(PixelAt(shot, 195, 30), (Bgra{0, 0, 255, 255}));
+  EXPECT_NE(PixelAt(shot, 150, 30), (Bgra{0, 0, 255, 255}));
 }

@@ -1,0 +1,123 @@
+#include "platform/stock/cwScrollBar.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/DrawingContext.h"
+#include "platform/stock/StockDrawing.h"
+
+namespace qds {
+
+cwScrollBar::cwScrollBar(bool vertical)
+    : Widget(vertical ? "cwVScrollBar" : "cwHScrollBar"), vertical_(vertical) {}
+
+void cwScrollBar::setValue(int v) {
+  v = std::clamp(v, Min, std::max(Min, Max));
+  if (v == value_) return;
+  value_ = v;
+  Refresh();
+  if (Change) Change();
+  RaiseBubblingEvent("Change", {qds::Value(value_)});
+}
+
+double cwScrollBar::Length() const {
+  return vertical_ ? Height() : Width();
+}
+
+double cwScrollBar::Arrow() const {
+  return std::min(vertical_ ? Width() : Height(), Length() / 3);
+}
+
+void cwScrollBar::Thumb(double& start, double& size) const {
+  const double track = Length() - 2 * Arrow();
+  const double range = std::max(1, Max - Min);
+  // The thumb shows how much of the whole one page is, never too small to take.
+  size = std::clamp(track * LargeChange / (range + LargeChange), std::min(12.0, track), track);
+  start = Arrow() + (track - size) * (value_ - Min) / range;
+}
+
+void cwScrollBar::W_Paint(DrawingContext& ctx, double w, double h) {
+  ctx.SetSourceColor(StockColor(Palette::Back));
+  ctx.Paint();
+  double start, size;
+  Thumb(start, size);
+  ctx.SetSourceColor(dragging_ ? StockColor(Palette::Accent) : StockColor(Palette::Face));
+  if (vertical_) {
+    ctx.RoundedRectangle(2, start, w - 4, size, 3);
+  } else {
+    ctx.RoundedRectangle(start, 2, size, h - 4, 3);
+  }
+  ctx.Fill();
+  // The two arrows.
+  ctx.SetSourceColor(StockColor(Palette::Text));
+  const double a = Arrow();
+  if (vertical_) {
+    ctx.MoveTo(w / 2, a * 0.3), ctx.LineTo(w * 0.75, a * 0.7), ctx.LineTo(w * 0.25, a * 0.7);
+    ctx.MoveTo(w / 2, h - a * 0.3), ctx.LineTo(w * 0.75, h - a * 0.7), ctx.LineTo(w * 0.25, h - a * 0.7);
+  } else {
+    ctx.MoveTo(a * 0.3, h / 2), ctx.LineTo(a * 0.7, h * 0.25), ctx.LineTo(a * 0.7, h * 0.75);
+    ctx.MoveTo(w - a * 0.3, h / 2), ctx.LineTo(w - a * 0.7, h * 0.25), ctx.LineTo(w - a * 0.7, h * 0.75);
+  }
+  ctx.Fill();
+}
+
+bool cwScrollBar::W_MouseDown(int button, int, double x, double y) {
+  if (button != Button::Left) return false;
+  const double p = Along(x, y);
+  double start, size;
+  Thumb(start, size);
+  if (p < Arrow()) {
+    setValue(value_ - SmallChange);
+  } else if (p >= Length() - Arrow()) {
+    setValue(value_ + SmallChange);
+  } else if (p < start) {
+    setValue(value_ - LargeChange);
+  } else if (p >= start + size) {
+    setValue(value_ + LargeChange);
+  } else {
+    dragging_ = true;
+    grip_ = p - start;
+    SetCapture();
+    Refresh();
+  }
+  return true;
+}
+
+bool cwScrollBar::W_MouseMove(int, int, double x, double y) {
+  if (!dragging_) return false;
+  double start, size;
+  Thumb(start, size);
+  const double track = Length() - 2 * Arrow() - size;
+  if (track > 0) {
+    const double at = std::clamp(Along(x, y) - grip_ - Arrow(), 0.0, track);
+    setValue(Min + static_cast<int>(std::lround(at / track * (Max - Min))));
+  }
+  return true;
+}
+
+bool cwScrollBar::W_MouseUp(int button, int, double, double) {
+  if (button != Button::Left) return false;
+  if (dragging_) {
+    dragging_ = false;
+    ReleaseCapture();
+    Refresh();
+  }
+  RaiseBubblingEvent("MouseUp");
+  return true;
+}
+
+bool cwScrollBar::W_MouseWheel(int delta, int, double, double) {
+  // The wheel rolls away from the user for "up", which is towards Min.
+  setValue(value_ - delta * SmallChange * 3);
+  return true;
+}
+
+void cwStatusBar::W_Paint(DrawingContext& ctx, double w, double h) {
+  ctx.SetSourceColor(StockColor(Palette::Border));
+  ctx.Paint();
+  ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
+  ctx.DrawText(6, 0, w - 12, h, Caption, true, TextAlign::Left, TextAlign::Middle);
+  if (OwnerDraw) OwnerDraw(ctx, w, h);
+}
+
+}  // namespace qds

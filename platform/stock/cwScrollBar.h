@@ -1,0 +1,61 @@
+#pragma once
+// Vertical and horizontal scroll bars: a value from Min to Max, moved by
+// the arrows (SmallChange), the track (LargeChange), the thumb and the
+// wheel. Change is told whenever the value moves.
+
+#include <functional>
+
+#include "platform/ui/Widget.h"
+
+namespace qds {
+
+class cwScrollBar : public Widget {
+ public:
+  explicit cwScrollBar(bool vertical);
+  int Min = 0;
+  int Max = 100;
+  int SmallChange = 1;
+  int LargeChange = 10;
+  int Value() const { return value_; }
+  void setValue(int v);  // held to Min..Max
+  std::function<void()> Change;
+
+  void W_Paint(DrawingContext& ctx, double w, double h) override;
+  bool W_MouseDown(int button, int shift, double x, double y) override;
+  bool W_MouseMove(int button, int shift, double x, double y) override;
+  bool W_MouseUp(int button, int shift, double x, double y) override;
+  bool W_MouseWheel(int delta, int shift, double x, double y) override;
+
+ private:
+  // Along the bar: its length, the arrows' size, and the thumb.
+  double Length() const;
+  double Arrow() const;
+  void Thumb(double& start, double& size) const;
+  double Along(double x, double y) const { return vertical_ ? y : x; }
+
+  bool vertical_;
+  int value_ = 0;
+  bool dragging_ = false;
+  double grip_ = 0;  // where the thumb was taken, from its start
+};
+
+class cwVScrollBar : public cwScrollBar {
+ public:
+  cwVScrollBar() : cwScrollBar(true) {}
+};
+
+class cwHScrollBar : public cwScrollBar {
+ public:
+  cwHScrollBar() : cwScrollBar(false) {}
+};
+
+// A bar of text along the bottom of a form; what its owner draws comes on top.
+class cwStatusBar : public Widget {
+ public:
+  cwStatusBar() : Widget("cwStatusBar") {}
+  std::string Caption;
+  std::function<void(DrawingContext& ctx, double w, double h)> OwnerDraw;
+  void W_Paint(DrawingContext& ctx, double w, double h) override;
+};
+
+}  // namespace qds

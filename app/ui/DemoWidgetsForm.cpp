@@ -2,12 +2,14 @@
 
 #include "platform/stock/StockDrawing.h"
 #include "platform/stock/StockWidgets.h"
+#include "platform/stock/cwMenu.h"
+#include "platform/stock/cwScrollBar.h"
 
 namespace qds {
 
 DemoWidgetsForm::DemoWidgetsForm() {
   Caption = "Quillaron Design Studio: widgets";
-  Move(0, 0, 360, 220);
+  Move(0, 0, 380, 250);
   BackColor = StockColor(Palette::Back);
 
   auto& frame = static_cast<cwFrame&>(Children().Add(CreateWidget("cwFrame"), "frmButtons"));
@@ -38,9 +40,29 @@ DemoWidgetsForm::DemoWidgetsForm() {
   label.Caption = "cwLabel: wrapped text that runs on to a second line inside its box";
   label.WordWrap = true;
   label.Move(10, 130, 200, 40);
-  status_ = &static_cast<cwLabel&>(Children().Add(CreateWidget("cwLabel"), "lblStatus"));
+  auto& vertical = static_cast<cwScrollBar&>(Children().Add(CreateWidget("cwVScrollBar"), "vsbDemo"));
+  vertical.Move(352, 10, 16, 200);
+  vertical.setValue(30);
+  auto& horizontal = static_cast<cwScrollBar&>(Children().Add(CreateWidget("cwHScrollBar"), "hsbDemo"));
+  horizontal.Move(10, 180, 200, 16);
+  horizontal.setValue(70);
+
+  auto& menu = static_cast<cwMenu&>(Children().Add(CreateWidget("cwMenu"), "mnuDemo"));
+  menu.AddItem("Demo>Open", "Open…", "Logo");
+  menu.AddItem("Demo>Save", "Save", {}, false);
+  menu.AddItem("Demo>Close", "Close");
+  auto& more = static_cast<cwButton&>(Children().Add(CreateWidget("cwButton"), "btnMenu"));
+  more.Caption = "Menu";
+  more.Move(230, 130, 110, 26);
+  more.Click = [&menu, &more] { menu.ShowPopup("Demo", more.Left(), more.Top() + more.Height()); };
+  menu.Click = [this](const std::string& key) {
+    status_->Caption = "Chosen: " + key;
+    status_->Refresh();
+  };
+
+  status_ = &static_cast<cwStatusBar&>(Children().Add(CreateWidget("cwStatusBar"), "sbStatus"));
   status_->Caption = "Clicks: 0";
-  status_->Move(10, 180, 340, 24);
+  status_->Move(0, 226, 380, 24);
 
   ok.Click = [this] {
     ++Clicks;

@@ -5,7 +5,7 @@
 
 namespace qds {
 
-class cwLabel;
+class cwStatusBar;
 
 class DemoWidgetsForm : public cfForm {
  public:
@@ -13,7 +13,7 @@ class DemoWidgetsForm : public cfForm {
   int Clicks = 0;
 
  private:
-  cwLabel* status_ = nullptr;
+  cwStatusBar* status_ = nullptr;
 };
 
 }  // namespace qds

@@ -6,6 +6,7 @@
 #include "platform/DrawingSurface.h"
 #include "platform/ImageList.h"
 #include "platform/stock/StockDrawing.h"
+#include "platform/stock/cwMenu.h"
 #include "platform/stock/cwScrollBar.h"
 #include "platform/ui/PlatformRoot.h"
 
@@ -116,6 +117,7 @@ std::unique_ptr<Widget> CreateWidget(const std::string& className) {
   if (className == "cwVScrollBar") return std::make_unique<cwVScrollBar>();
   if (className == "cwHScrollBar") return std::make_unique<cwHScrollBar>();
   if (className == "cwStatusBar") return std::make_unique<cwStatusBar>();
+  if (className == "cwMenu") return std::make_unique<cwMenu>();
   return nullptr;
 }
 

@@ -37,7 +37,7 @@ void cwScrollBar::Thumb(double& start, double& size) const {
 }
 
 void cwScrollBar::W_Paint(DrawingContext& ctx, double w, double h) {
-  ctx.SetSourceColor(StockColor(Palette::Back));
+  ctx.SetSourceColor(StockColor(Palette::Border));
   ctx.Paint();
   double start, size;
   Thumb(start, size);

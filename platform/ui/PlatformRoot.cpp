@@ -22,7 +22,7 @@ PlatformRoot::PlatformRoot(std::unique_ptr<UiBackend> backend)
 }
 
 PlatformRoot::~PlatformRoot() {
-  graveyard_.clear();
+  BuryTheDead();
   current = previous_;
 }
 
@@ -177,7 +177,15 @@ void PlatformRoot::RunDeferred() {
     work.swap(deferred_);
     for (auto& w : work) RunHandler("DeferredInvoke", HandlerMode::Report, w);
   }
-  graveyard_.clear();
+  BuryTheDead();
+}
+
+void PlatformRoot::BuryTheDead() {
+  // A widget going may hand over others (a menu its pop-up).
+  while (!graveyard_.empty()) {
+    std::vector<std::shared_ptr<Widget>> dead;
+    dead.swap(graveyard_);
+  }
 }
 
 void PlatformRoot::PaintAll() {

@@ -97,6 +97,7 @@ class PlatformRoot {
   void Dispatch(const UiEvent& e);
   void FireDueTimers();
   void RunDeferred();
+  void BuryTheDead();
   void PaintAll();
   double NextTimerIn();
   bool Turn(double waitMs);

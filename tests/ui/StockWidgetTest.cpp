@@ -8,6 +8,7 @@
 #include "platform/SvgRenderer.h"
 #include "platform/stock/StockDrawing.h"
 #include "platform/stock/StockWidgets.h"
+#include "platform/stock/cwMenu.h"
 #include "platform/stock/cwScrollBar.h"
 #include "tests/support/Pixels.h"
 #include "tests/support/UiDriver.h"
@@ -99,15 +100,25 @@ TEST(StockWidgets, TheDemonstrationFormWorksWithoutADisplay) {
   DemoWidgetsForm form;
   form.Show();
   const SurfacePtr before = ui.Screenshot(form);
-  EXPECT_EQ(before->Width(), 360);
+  EXPECT_EQ(before->Width(), 380);
   cwButton& ok = static_cast<cwButton&>(form.Children().Item("frmButtons").Children().Item("btnOk"));
   ui.Click(ok);
   ui.Click(ok);
   EXPECT_EQ(form.Clicks, 2);
-  EXPECT_EQ(static_cast<cwLabel&>(form.Children().Item("lblStatus")).Caption, "Clicks: 2");
+  auto& status = static_cast<cwStatusBar&>(form.Children().Item("sbStatus"));
+  EXPECT_EQ(status.Caption, "Clicks: 2");
   cwButton& off = static_cast<cwButton&>(form.Children().Item("frmButtons").Children().Item("btnOff"));
   ui.Click(off);
   EXPECT_EQ(form.Clicks, 2);
+
+  ui.Click(form.Children().Item("btnMenu"));
+  auto& menu = static_cast<cwMenu&>(form.Children().Item("mnuDemo"));
+  ASSERT_TRUE(menu.IsOpen());
+  cfForm& popup = *menu.PopupForm();
+  ui.Backend().Push({UiEvent::Type::MouseDown, &popup, Button::Left, 0, 0, 30, 2 * 24 + 12});
+  ui.Backend().Push({UiEvent::Type::MouseUp, &popup, Button::Left, 0, 0, 30, 2 * 24 + 12});
+  ui.Root().DoEvents();
+  EXPECT_EQ(status.Caption, "Chosen: Demo>Close");
 }
 
 TEST(StockWidgets, ScrollBarsMoveByArrowTrackThumbAndWheelWithinTheirRange) {
@@ -179,4 +190,66 @@ TEST(StockWidgets, TheStatusBarLetsItsOwnerDrawOverIt) {
   const SurfacePtr shot = ui.Screenshot(form);
   EXPECT_EQ(PixelAt(shot, 195, 30), (Bgra{0, 0, 255, 255}));
   EXPECT_NE(PixelAt(shot, 150, 30), (Bgra{0, 0, 255, 255}));
+}
+
+TEST(StockWidgets, MenusListTheirRootsItemsAndCloseOnAChoiceEscapeOrAClickElsewhere) {
+  UiDriver ui;
+  Host form;
+  form.Move(100, 50, 300, 200);
+  auto& menu = static_cast<cwMenu&>(form.Children().Add(CreateWidget("cwMenu"), "mnu"));
+  menu.AddItem("File>Open", "Open…");
+  menu.AddItem("File>Save", "Save", {}, false);
+  menu.AddItem("File>Export", "Export");
+  menu.AddItem("File>Export>Png", "PNG");  // a level deeper: not on File's list
+  menu.AddItem("Edit>Undo", "Undo");
+  std::vector<std::string> chosen;
+  int gone = 0;
+  menu.Click = [&](const std::string& key) { chosen.push_back(key); };
+  menu.MenuDestroyed = [&] { ++gone; };
+  form.Show();
+
+  menu.ShowPopup("File", 10, 20);
+  ASSERT_TRUE(menu.IsOpen());
+  cfForm& popup = *menu.PopupForm();
+  EXPECT_EQ(popup.Left(), 110);
+  EXPECT_EQ(popup.Top(), 70);
+  EXPECT_EQ(popup.Height(), 3 * 24);
+  auto clickRow = [&](int row) {
+    ui.Backend().Push({UiEvent::Type::MouseDown, &popup, Button::Left, 0, 0, 20, row * 24.0 + 12});
+    ui.Backend().Push({UiEvent::Type::MouseUp, &popup, Button::Left, 0, 0, 20, row * 24.0 + 12});
+    ui.Root().DoEvents();
+  };
+  clickRow(1);  // disabled: the menu stays open
+  EXPECT_TRUE(menu.IsOpen());
+  EXPECT_TRUE(chosen.empty());
+  clickRow(2);
+  EXPECT_FALSE(menu.IsOpen());
+  EXPECT_EQ(chosen, std::vector<std::string>{"File>Export"});
+  EXPECT_EQ(gone, 1);
+  EXPECT_EQ(form.events, (std::vector<std::string>{"mnu:Click", "mnu:MenuDestroyed"}));
+
+  // Keys: Down skips the disabled row, Return chooses.
+  menu.ShowPopup("File", 0, 0);
+  ui.Press(*menu.PopupForm(), Key::Down);
+  ui.Press(*menu.PopupForm(), Key::Down);
+  ui.Press(*menu.PopupForm(), Key::Return);
+  EXPECT_EQ(chosen.back(), "File>Export");
+  // Escape, and a click on the owner, close without a choice.
+  menu.ShowPopup("Edit", 0, 0);
+  ui.Press(*menu.PopupForm(), Key::Escape);
+  EXPECT_FALSE(menu.IsOpen());
+  menu.ShowPopup("Edit", 0, 0);
+  ui.Click(form);
+  EXPECT_FALSE(menu.IsOpen());
+  EXPECT_EQ(chosen.size(), 2u);
+  EXPECT_EQ(gone, 4);
+  // A root with no items opens nothing.
+  menu.ShowPopup("View", 0, 0);
+  EXPECT_FALSE(menu.IsOpen());
+
+  // The menu going while open takes its pop-up with it, quietly.
+  menu.ShowPopup("Edit", 0, 0);
+  form.Children().Remove("mnu");
+  ui.Root().DoEvents();
+  EXPECT_EQ(gone, 4);
 }

@@ -1,0 +1,54 @@
+#pragma once
+// A pop-up menu. Items are keyed "root>item"; showing a root lists the
+// items directly under it in a pop-up form beside the owner, which closes
+// on a choice, on Escape, or on a click anywhere else.
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/ui/Widget.h"
+
+namespace qds {
+
+class cfForm;
+
+class cwMenu : public Widget {
+ public:
+  cwMenu() : Widget("cwMenu") { setVisible(false); }
+  ~cwMenu() override;
+
+  struct MenuItem {
+    std::string key;  // "root>item"
+    std::string caption;
+    std::string pictureKey;
+    bool enabled = true;
+  };
+  void AddItem(const std::string& key, const std::string& caption, const std::string& pictureKey = {},
+               bool enabled = true);
+  void setItemEnabled(const std::string& key, bool enabled);
+  void Clear() { items_.clear(); }
+  // The items directly under `root`, in the order they were added.
+  std::vector<const MenuItem*> ItemsUnder(const std::string& root) const;
+
+  // Opens the items of `root` at a point of the owner form (logical units).
+  void ShowPopup(const std::string& root, double x, double y);
+  bool IsOpen() const;
+  void ClosePopup();
+  cfForm* PopupForm() const { return popup_.get(); }
+
+  // The chosen item's key; also bubbled as "Click" with the key.
+  std::function<void(const std::string& key)> Click;
+  // The pop-up has gone, chosen or not; also bubbled as "MenuDestroyed".
+  std::function<void()> MenuDestroyed;
+
+ private:
+  friend class MenuPopUp;
+  void PopupGone(const std::string& chosen);
+
+  std::vector<MenuItem> items_;
+  std::shared_ptr<cfForm> popup_;
+};
+
+}  // namespace qds

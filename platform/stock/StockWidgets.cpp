@@ -6,6 +6,7 @@
 #include "platform/DrawingSurface.h"
 #include "platform/ImageList.h"
 #include "platform/stock/StockDrawing.h"
+#include "platform/stock/cwDropDown.h"
 #include "platform/stock/cwMenu.h"
 #include "platform/stock/cwScrollBar.h"
 #include "platform/ui/PlatformRoot.h"
@@ -118,6 +119,7 @@ std::unique_ptr<Widget> CreateWidget(const std::string& className) {
   if (className == "cwHScrollBar") return std::make_unique<cwHScrollBar>();
   if (className == "cwStatusBar") return std::make_unique<cwStatusBar>();
   if (className == "cwMenu") return std::make_unique<cwMenu>();
+  if (className == "cwDropDown") return std::make_unique<cwDropDown>();
   return nullptr;
 }
 

@@ -102,6 +102,7 @@ bool PlatformRoot::ShellOpen(const std::string& target) {
 }
 
 void PlatformRoot::Dispatch(const UiEvent& e) {
+  ++eventNumber_;
   cfForm* f = e.form;
   if (!f || std::find(forms_.begin(), forms_.end(), f) == forms_.end()) return;  // a form that has gone
   if (e.type == UiEvent::Type::MouseDown) {

@@ -86,6 +86,10 @@ class PlatformRoot {
   // False, with nothing started, when there is no such program.
   static bool ShellOpen(const std::string& target);
 
+  // Counts the input events dispatched: tells a widget whether two things
+  // happened on the same press.
+  unsigned long EventNumber() const { return eventNumber_; }
+
   // Everything pending once: events, due timers, deferred work, painting.
   void DoEvents();
   // Until the last form is gone.
@@ -117,6 +121,7 @@ class PlatformRoot {
   std::string dragKey_, dragPicture_;
   Widget* dragSource_ = nullptr;
   int nextTimer_ = 1;
+  unsigned long eventNumber_ = 0;
   ImageList* images_ = nullptr;
   PlatformRoot* previous_;
 };

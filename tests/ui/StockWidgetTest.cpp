@@ -8,6 +8,7 @@
 #include "platform/SvgRenderer.h"
 #include "platform/stock/StockDrawing.h"
 #include "platform/stock/StockWidgets.h"
+#include "platform/stock/cwDropDown.h"
 #include "platform/stock/cwMenu.h"
 #include "platform/stock/cwScrollBar.h"
 #include "tests/support/Pixels.h"
@@ -252,4 +253,39 @@ TEST(StockWidgets, MenusListTheirRootsItemsAndCloseOnAChoiceEscapeOrAClickElsewh
   form.Children().Remove("mnu");
   ui.Root().DoEvents();
   EXPECT_EQ(gone, 4);
+}
+
+TEST(StockWidgets, ADropDownShowsItsContentUnderItselfAndTogglesOnItsBox) {
+  UiDriver ui;
+  Host form;
+  form.Move(200, 100, 300, 200);
+  auto& frame = form.Children().Add(std::make_unique<cwFrame>(), "frm");
+  frame.Move(10, 10, 200, 100);
+  auto& drop = static_cast<cwDropDown&>(frame.Children().Add(CreateWidget("cwDropDown"), "ddl"));
+  drop.Move(20, 30, 150, 24);
+  drop.DropHeight = 90;
+  cwButton& inside = static_cast<cwButton&>(drop.setContent(std::make_unique<cwButton>()));
+  int clicks = 0;
+  inside.Click = [&] { ++clicks; };
+  form.Show();
+
+  ui.Click(drop);
+  ASSERT_TRUE(drop.IsOpen());
+  const cfForm& popup = *drop.PopupForm();
+  EXPECT_EQ(popup.Left(), 200 + 30);
+  EXPECT_EQ(popup.Top(), 100 + 40 + 24);
+  EXPECT_EQ(popup.Width(), 150);
+  EXPECT_EQ(inside.Height(), 90);
+  ui.Click(inside);  // the content works, and the pop-up stays
+  EXPECT_EQ(clicks, 1);
+  EXPECT_TRUE(drop.IsOpen());
+
+  ui.Click(drop);  // the box again closes it, and does not open it anew
+  EXPECT_FALSE(drop.IsOpen());
+  ui.Press(form, Key::Down, Shift::Alt);
+  EXPECT_TRUE(drop.IsOpen());
+  ui.Press(*drop.PopupForm(), Key::Escape);
+  EXPECT_FALSE(drop.IsOpen());
+  EXPECT_EQ(form.events, (std::vector<std::string>{"ddl:DropDownOpened", "ddl:DropDownClosed",
+                                                   "ddl:DropDownOpened", "ddl:DropDownClosed"}));
 }

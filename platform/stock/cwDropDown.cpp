@@ -1,0 +1,112 @@
+#include "platform/stock/cwDropDown.h"
+
+#include "platform/DrawingContext.h"
+#include "platform/stock/StockDrawing.h"
+#include "platform/ui/Form.h"
+#include "platform/ui/PlatformRoot.h"
+
+namespace qds {
+
+class DropDownPopUp : public cfForm {
+ public:
+  explicit DropDownPopUp(cwDropDown& owner) : owner_(&owner) {
+    PopUp = true;
+    BackColor = StockColor(Palette::Face);
+  }
+  void Form_KeyDown(int& keyCode, int) override {
+    if (keyCode != Key::Escape) return;
+    keyCode = 0;
+    Close();
+  }
+  void Form_Unload() override {
+    if (owner_) owner_->PopupGone();
+  }
+  void Detach() { owner_ = nullptr; }
+
+ private:
+  cwDropDown* owner_;
+};
+
+cwDropDown::cwDropDown() : Widget("cwDropDown"), popup_(std::make_shared<DropDownPopUp>(*this)) {
+  CanFocus = true;
+}
+
+cwDropDown::~cwDropDown() {
+  static_cast<DropDownPopUp&>(*popup_).Detach();
+  popup_->Close();
+  // Perhaps destroyed from inside the pop-up's own handler: let it finish.
+  if (PlatformRoot* root = PlatformRoot::Current()) root->DeferDelete(popup_);
+}
+
+Widget& cwDropDown::setContent(std::unique_ptr<Widget> content) {
+  if (content_) popup_->Children().Remove(*content_);
+  content_ = &popup_->Children().Add(std::move(content), "Content");
+  return *content_;
+}
+
+void cwDropDown::OpenDropDown() {
+  if (IsOpen()) return;
+  double x = 0, y = 0;
+  FormPosition(x, y);
+  if (const cfForm* owner = Form()) {
+    x += owner->Left();
+    y += owner->Top();
+    popup_->setZoom(owner->Zoom());
+  }
+  popup_->Move(x, y + Height(), Width(), DropHeight);
+  if (content_) content_->Move(0, 0, Width(), DropHeight);
+  popup_->Show();
+  Refresh();
+  if (DropDownOpened) DropDownOpened();
+  RaiseBubblingEvent("DropDownOpened");
+}
+
+void cwDropDown::CloseDropDown() {
+  popup_->Close();
+}
+
+bool cwDropDown::IsOpen() const {
+  return popup_->Showing();
+}
+
+void cwDropDown::PopupGone() {
+  if (PlatformRoot* root = PlatformRoot::Current()) closedOnEvent_ = root->EventNumber();
+  Refresh();
+  if (DropDownClosed) DropDownClosed();
+  RaiseBubblingEvent("DropDownClosed");
+}
+
+void cwDropDown::W_Paint(DrawingContext& ctx, double w, double h) {
+  ctx.SetSourceColor(IsOpen() ? StockColor(Palette::Hover) : StockColor(Palette::Face));
+  ctx.RoundedRectangle(0.5, 0.5, w - 1, h - 1, 3);
+  ctx.Fill(true);
+  ctx.SetLineWidth(1);
+  ctx.SetSourceColor(HasFocus() ? StockColor(Palette::Accent) : StockColor(Palette::Border));
+  ctx.Stroke();
+  ctx.SelectFont(kUiFont, kUiFontSize,
+                 EnabledInTree() ? StockColor(Palette::Text) : StockColor(Palette::Disabled));
+  ctx.DrawText(6, 0, w - h - 6, h, Caption, true, TextAlign::Left, TextAlign::Middle);
+  // The arrow.
+  ctx.MoveTo(w - h * 0.7, h * 0.4), ctx.LineTo(w - h * 0.3, h * 0.4), ctx.LineTo(w - h / 2, h * 0.62);
+  ctx.Fill();
+}
+
+bool cwDropDown::W_MouseDown(int button, int, double, double) {
+  if (button != Button::Left) return false;
+  SetFocus();
+  // The press on the box that closed the pop-up must not open it again.
+  const PlatformRoot* root = PlatformRoot::Current();
+  if (root && root->EventNumber() == closedOnEvent_) return true;
+  IsOpen() ? CloseDropDown() : OpenDropDown();
+  return true;
+}
+
+void cwDropDown::W_KeyDown(int& keyCode, int shift) {
+  // Alt+Down opens, as in any drop-down list.
+  if (keyCode == Key::Down && (shift & Shift::Alt)) {
+    OpenDropDown();
+    keyCode = 0;
+  }
+}
+
+}  // namespace qds

@@ -1,0 +1,48 @@
+#pragma once
+// A box that opens a pop-up under itself showing a content widget: the
+// host that lists, colour pickers and the like drop down from. The pop-up
+// closes on Escape, on a click anywhere else, or when its owner says.
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/ui/Widget.h"
+
+namespace qds {
+
+class cfForm;
+
+class cwDropDown : public Widget {
+ public:
+  cwDropDown();
+  ~cwDropDown() override;
+
+  std::string Caption;
+  double DropHeight = 160;
+  // The widget the pop-up shows, kept between openings.
+  Widget& setContent(std::unique_ptr<Widget> content);
+  Widget* Content() const { return content_; }
+
+  void OpenDropDown();
+  void CloseDropDown();
+  bool IsOpen() const;
+  cfForm* PopupForm() const { return popup_.get(); }
+
+  // Also bubbled by name.
+  std::function<void()> DropDownOpened;
+  std::function<void()> DropDownClosed;
+
+  void W_Paint(DrawingContext& ctx, double w, double h) override;
+  bool W_MouseDown(int button, int shift, double x, double y) override;
+  void W_KeyDown(int& keyCode, int shift) override;
+
+ private:
+  friend class DropDownPopUp;
+  void PopupGone();
+  std::shared_ptr<cfForm> popup_;
+  Widget* content_ = nullptr;
+  unsigned long closedOnEvent_ = 0;
+};
+
+}  // namespace qds

@@ -7,6 +7,7 @@
 #include "platform/ImageList.h"
 #include "platform/stock/StockDrawing.h"
 #include "platform/stock/cwDropDown.h"
+#include "platform/stock/cwFolderLists.h"
 #include "platform/stock/cwMenu.h"
 #include "platform/stock/cwScrollBar.h"
 #include "platform/ui/PlatformRoot.h"
@@ -120,6 +121,8 @@ std::unique_ptr<Widget> CreateWidget(const std::string& className) {
   if (className == "cwStatusBar") return std::make_unique<cwStatusBar>();
   if (className == "cwMenu") return std::make_unique<cwMenu>();
   if (className == "cwDropDown") return std::make_unique<cwDropDown>();
+  if (className == "cwDirList") return std::make_unique<cwDirList>();
+  if (className == "cwFileList") return std::make_unique<cwFileList>();
   return nullptr;
 }
 

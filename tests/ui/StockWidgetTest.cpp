@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 
 #include "app/ui/DemoWidgetsForm.h"
 #include "platform/DrawingContext.h"
@@ -9,9 +11,11 @@
 #include "platform/stock/StockDrawing.h"
 #include "platform/stock/StockWidgets.h"
 #include "platform/stock/cwDropDown.h"
+#include "platform/stock/cwFolderLists.h"
 #include "platform/stock/cwMenu.h"
 #include "platform/stock/cwScrollBar.h"
 #include "tests/support/Pixels.h"
+#include "tests/support/TempDir.h"
 #include "tests/support/UiDriver.h"
 
 using namespace qds;
@@ -288,4 +292,64 @@ TEST(StockWidgets, ADropDownShowsItsContentUnderItselfAndTogglesOnItsBox) {
   EXPECT_FALSE(drop.IsOpen());
   EXPECT_EQ(form.events, (std::vector<std::string>{"ddl:DropDownOpened", "ddl:DropDownClosed",
                                                    "ddl:DropDownOpened", "ddl:DropDownClosed"}));
+}
+
+TEST(StockWidgets, FolderAndFileListsShowRealFoldersFilteredAndFollowRescan) {
+  EXPECT_TRUE(WildcardMatch("*.svg", "Icon.SVG"));
+  EXPECT_TRUE(WildcardMatch("a?c*", "abcdef"));
+  EXPECT_FALSE(WildcardMatch("*.svg", "icon.svg.bak"));
+  EXPECT_FALSE(WildcardMatch("a*b*c", "aXbY"));
+
+  TempDir dir;
+  const std::filesystem::path root = std::filesystem::canonical(dir.Path());
+  std::filesystem::create_directories(root / "b" / "inner");
+  std::filesystem::create_directory(root / "A");
+  std::filesystem::create_directory(root / ".hidden");
+  for (const char* name : {"two.png", "one.SVG", "three.txt"}) std::ofstream(root / name) << "x";
+
+  UiDriver ui;
+  Host form;
+  form.Move(0, 0, 400, 300);
+  auto& dirs = static_cast<cwDirList&>(form.Children().Add(CreateWidget("cwDirList"), "dir"));
+  dirs.Move(0, 0, 200, 300);
+  auto& files = static_cast<cwFileList&>(form.Children().Add(CreateWidget("cwFileList"), "fil"));
+  files.Move(200, 0, 200, 300);
+  form.Show();
+
+  ASSERT_TRUE(dirs.setPath(dir.Path()));
+  const int depth = dirs.ListIndex();  // the folder's own row, after the way down to it
+  EXPECT_EQ(dirs.List(depth), root.filename().string());
+  ASSERT_EQ(dirs.ListCount(), depth + 3);
+  EXPECT_EQ(dirs.List(depth + 1), "A");
+  EXPECT_EQ(dirs.List(depth + 2), "b");
+  EXPECT_FALSE(dirs.setPath((root / "missing").string()));
+  EXPECT_EQ(dirs.Path(), root.string());
+
+  // A double click goes into a folder; Return on the row above goes back up.
+  ui.Backend().Push({UiEvent::Type::DblClick, &form, Button::Left, 0, 0, 50, (depth + 2) * 20.0 + 10});
+  ui.Root().DoEvents();
+  EXPECT_EQ(dirs.Path(), (root / "b").string());
+  EXPECT_EQ(dirs.List(dirs.ListCount() - 1), "inner");
+  dirs.SetFocus();
+  ui.Press(form, Key::Up);
+  ui.Press(form, Key::Return);
+  EXPECT_EQ(dirs.Path(), root.string());
+  EXPECT_EQ(std::count(form.events.begin(), form.events.end(), "dir:Change"), 3);
+
+  files.Pattern = "*.svg;*.PNG";
+  ASSERT_TRUE(files.setPath(dir.Path()));
+  ASSERT_EQ(files.ListCount(), 2);
+  EXPECT_EQ(files.List(0), "one.SVG");
+  EXPECT_EQ(files.List(1), "two.png");
+  ui.Click(files);  // below the rows: nothing chosen
+  EXPECT_EQ(files.FileName(), "");
+  ui.Backend().Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 250, 30});
+  ui.Root().DoEvents();
+  EXPECT_EQ(files.FileName(), "two.png");
+  // A new file shows after a rescan, keeping the selection.
+  std::ofstream(root / "a.svg") << "x";
+  files.Rescan();
+  EXPECT_EQ(files.ListCount(), 3);
+  EXPECT_EQ(files.FileName(), "two.png");
+  EXPECT_EQ(files.ListIndex(), 2);
 }

@@ -1,0 +1,257 @@
+#include "platform/stock/cwFolderLists.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+
+#include "platform/DrawingContext.h"
+#include "platform/stock/StockDrawing.h"
+
+namespace qds {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool LessIgnoringCase(const std::string& a, const std::string& b) {
+  return std::lexicographical_compare(
+      a.begin(), a.end(), b.begin(), b.end(),
+      [](unsigned char x, unsigned char y) { return std::tolower(x) < std::tolower(y); });
+}
+
+// The entries of a folder, folders or files, sorted; false when it cannot be read.
+bool ReadFolder(const fs::path& folder, bool folders, std::vector<std::string>& names) {
+  std::error_code ec;
+  fs::directory_iterator it(folder, fs::directory_options::skip_permission_denied, ec);
+  if (ec) return false;
+  for (; it != fs::directory_iterator(); it.increment(ec)) {
+    if (ec) return false;
+    const std::string name = it->path().filename().string();
+    if (name.empty() || name[0] == '.') continue;  // hidden, as the desktop hides them
+    std::error_code typeError;
+    if (folders ? it->is_directory(typeError) : it->is_regular_file(typeError)) names.push_back(name);
+  }
+  std::sort(names.begin(), names.end(), LessIgnoringCase);
+  return true;
+}
+
+}  // namespace
+
+bool WildcardMatch(std::string_view pattern, std::string_view name) {
+  // Greedy matching with one remembered star: linear for any pattern.
+  size_t p = 0, n = 0, star = std::string_view::npos, resume = 0;
+  while (n < name.size()) {
+    if (p < pattern.size() && (pattern[p] == '?' || std::tolower(static_cast<unsigned char>(pattern[p])) ==
+                                                        std::tolower(static_cast<unsigned char>(name[n])))) {
+      ++p, ++n;
+    } else if (p < pattern.size() && pattern[p] == '*') {
+      star = p++;
+      resume = n;
+    } else if (star != std::string_view::npos) {
+      p = star + 1;
+      n = ++resume;
+    } else {
+      return false;
+    }
+  }
+  while (p < pattern.size() && pattern[p] == '*') ++p;
+  return p == pattern.size();
+}
+
+cwListBase::cwListBase(std::string typeName) : Widget(std::move(typeName)) {
+  CanFocus = true;
+}
+
+void cwListBase::SetRows(std::vector<Row> rows, int selected) {
+  rows_ = std::move(rows);
+  index_ = selected < ListCount() ? selected : -1;
+  top_ = 0;
+  if (index_ >= 0) ScrollTo(index_);
+  Refresh();
+}
+
+void cwListBase::setListIndex(int index) {
+  if (index < -1 || index >= ListCount() || index == index_) return;
+  index_ = index;
+  if (index >= 0) ScrollTo(index);
+  Refresh();
+  Selected();
+}
+
+int cwListBase::RowsShown() const {
+  return std::max(1, static_cast<int>(Height() / RowHeight));
+}
+
+void cwListBase::ScrollTo(int index) {
+  if (index < top_) top_ = index;
+  if (index >= top_ + RowsShown()) top_ = index - RowsShown() + 1;
+  top_ = std::clamp(top_, 0, std::max(0, ListCount() - RowsShown()));
+}
+
+void cwListBase::W_Paint(DrawingContext& ctx, double w, double h) {
+  ctx.SetSourceColor(StockColor(Palette::Face));
+  ctx.Paint();
+  ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
+  for (int i = top_; i < ListCount() && (i - top_) * RowHeight < h; ++i) {
+    const double y = (i - top_) * RowHeight;
+    if (i == index_) {
+      ctx.SetSourceColor(StockColor(Palette::Accent));
+      ctx.Rectangle(0, y, w, RowHeight);
+      ctx.Fill();
+      ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
+    }
+    const double x = 6 + rows_[i].indent * 12;
+    ctx.DrawText(x, y, w - x - 4, RowHeight, (rows_[i].folder ? "▸ " : "") + rows_[i].text, true,
+                 TextAlign::Left, TextAlign::Middle);
+  }
+  ctx.SetSourceColor(HasFocus() ? StockColor(Palette::Accent) : StockColor(Palette::Border));
+  ctx.SetLineWidth(1);
+  ctx.Rectangle(0.5, 0.5, w - 1, h - 1);
+  ctx.Stroke();
+}
+
+bool cwListBase::W_MouseDown(int button, int, double, double y) {
+  if (button != Button::Left) return false;
+  SetFocus();
+  const int row = top_ + static_cast<int>(y / RowHeight);
+  if (row < ListCount()) {
+    setListIndex(row);
+    RaiseBubblingEvent("Click");
+  }
+  return true;
+}
+
+bool cwListBase::W_DblClick(int button, int, double, double y) {
+  if (button != Button::Left) return false;
+  const int row = top_ + static_cast<int>(y / RowHeight);
+  if (row < ListCount()) Activated(row);
+  return true;
+}
+
+bool cwListBase::W_MouseWheel(int delta, int, double, double) {
+  top_ = std::clamp(top_ - delta * 3, 0, std::max(0, ListCount() - RowsShown()));
+  Refresh();
+  return true;
+}
+
+void cwListBase::W_KeyDown(int& keyCode, int) {
+  int to = index_;
+  switch (keyCode) {
+    case Key::Up:
+      to = std::max(0, index_ - 1);
+      break;
+    case Key::Down:
+      to = std::min(ListCount() - 1, index_ + 1);
+      break;
+    case Key::PageUp:
+      to = std::max(0, index_ - RowsShown());
+      break;
+    case Key::PageDown:
+      to = std::min(ListCount() - 1, index_ + RowsShown());
+      break;
+    case Key::Home:
+      to = 0;
+      break;
+    case Key::End:
+      to = ListCount() - 1;
+      break;
+    case Key::Return:
+      if (index_ >= 0) Activated(index_);
+      keyCode = 0;
+      return;
+    default:
+      return;
+  }
+  if (ListCount() > 0) setListIndex(to);
+  keyCode = 0;
+}
+
+cwDirList::cwDirList() : cwListBase("cwDirList") {
+  std::error_code ec;
+  setPath(fs::current_path(ec).string());
+}
+
+bool cwDirList::setPath(const std::string& path) {
+  std::error_code ec;
+  const fs::path folder = fs::weakly_canonical(fs::absolute(path, ec), ec);
+  std::vector<std::string> inside;
+  if (ec || !fs::is_directory(folder, ec) || !ReadFolder(folder, true, inside)) return false;
+
+  // The way down from the root, then what the folder holds.
+  std::vector<fs::path> chain;
+  for (fs::path p = folder; !p.empty(); p = p.parent_path()) {
+    chain.insert(chain.begin(), p);
+    if (p == p.root_path()) break;
+  }
+  std::vector<Row> rows;
+  targets_.clear();
+  for (size_t i = 0; i < chain.size(); ++i) {
+    const std::string name =
+        chain[i] == chain[i].root_path() ? chain[i].string() : chain[i].filename().string();
+    rows.push_back({name, static_cast<int>(i), true});
+    targets_.push_back(chain[i].string());
+  }
+  const int selected = static_cast<int>(rows.size()) - 1;
+  for (const std::string& name : inside) {
+    rows.push_back({name, static_cast<int>(chain.size()), true});
+    targets_.push_back((folder / name).string());
+  }
+  const bool changed = folder.string() != path_;
+  path_ = folder.string();
+  SetRows(std::move(rows), selected);
+  if (changed) {
+    if (Change) Change();
+    RaiseBubblingEvent("Change");
+  }
+  return true;
+}
+
+void cwDirList::Rescan() {
+  setPath(path_);
+}
+
+void cwDirList::Activated(int index) {
+  setPath(targets_.at(index));
+}
+
+bool cwFileList::setPath(const std::string& path) {
+  std::error_code ec;
+  if (!fs::is_directory(path, ec)) return false;
+  path_ = path;
+  Rescan();
+  return true;
+}
+
+void cwFileList::Rescan() {
+  const std::string keep = FileName();
+  std::vector<std::string> names;
+  ReadFolder(path_, false, names);
+  std::vector<std::string> patterns;
+  for (size_t start = 0; start <= Pattern.size();) {
+    const size_t end = std::min(Pattern.find(';', start), Pattern.size());
+    if (end > start) patterns.push_back(Pattern.substr(start, end - start));
+    start = end + 1;
+  }
+  std::vector<Row> rows;
+  int selected = -1;
+  for (const std::string& name : names) {
+    if (std::none_of(patterns.begin(), patterns.end(),
+                     [&](const std::string& p) { return WildcardMatch(p, name); })) {
+      continue;
+    }
+    if (name == keep) selected = static_cast<int>(rows.size());
+    rows.push_back({name, 0, false});
+  }
+  SetRows(std::move(rows), selected);
+}
+
+void cwFileList::Selected() {
+  if (Click) Click();
+}
+
+void cwFileList::Activated(int) {
+  if (DblClick) DblClick();
+  RaiseBubblingEvent("DblClick");
+}
+
+}  // namespace qds

@@ -1,0 +1,127 @@
+#include "platform/stock/cwListBase.h"
+
+#include <algorithm>
+
+#include "platform/DrawingContext.h"
+#include "platform/stock/StockDrawing.h"
+
+namespace qds {
+
+cwListBase::cwListBase(std::string typeName) : Widget(std::move(typeName)) {
+  CanFocus = true;
+}
+
+void cwListBase::SetRows(std::vector<Row> rows, int selected) {
+  rows_ = std::move(rows);
+  index_ = selected < ListCount() ? selected : -1;
+  top_ = 0;
+  if (index_ >= 0) ScrollTo(index_);
+  Refresh();
+}
+
+void cwListBase::setListIndex(int index) {
+  if (index < -1 || index >= ListCount() || index == index_) return;
+  index_ = index;
+  if (index >= 0) ScrollTo(index);
+  Refresh();
+  Selected();
+}
+
+int cwListBase::RowsShown() const {
+  return std::max(1, static_cast<int>(Height() / RowHeight));
+}
+
+void cwListBase::ScrollTo(int index) {
+  if (index < top_) top_ = index;
+  if (index >= top_ + RowsShown()) top_ = index - RowsShown() + 1;
+  top_ = std::clamp(top_, 0, std::max(0, ListCount() - RowsShown()));
+}
+
+void cwListBase::W_Paint(DrawingContext& ctx, double w, double h) {
+  ctx.SetSourceColor(StockColor(Palette::Face));
+  ctx.Paint();
+  ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
+  for (int i = top_; i < ListCount() && (i - top_) * RowHeight < h; ++i) {
+    const double y = (i - top_) * RowHeight;
+    if (i == index_) {
+      ctx.SetSourceColor(StockColor(Palette::Accent));
+      ctx.Rectangle(0, y, w, RowHeight);
+      ctx.Fill();
+      ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
+    }
+    const double x = 6 + rows_[i].indent * 12;
+    ctx.DrawText(x, y, w - x - 4, RowHeight, (rows_[i].folder ? "▸ " : "") + rows_[i].text, true,
+                 TextAlign::Left, TextAlign::Middle);
+  }
+  ctx.SetSourceColor(HasFocus() ? StockColor(Palette::Accent) : StockColor(Palette::Border));
+  ctx.SetLineWidth(1);
+  ctx.Rectangle(0.5, 0.5, w - 1, h - 1);
+  ctx.Stroke();
+}
+
+void cwListBase::PaintRow(DrawingContext& ctx, int index, double y, double w, bool) {
+  const double x = 6 + rows_[index].indent * 12;
+  ctx.DrawText(x, y, w - x - 4, RowHeight, (rows_[index].folder ? "▸ " : "") + rows_[index].text, true,
+               TextAlign::Left, TextAlign::Middle);
+}
+
+int cwListBase::RowAtY(double y) const {
+  const int row = top_ + static_cast<int>(y / RowHeight);
+  return y >= 0 && row < ListCount() ? row : -1;
+}
+
+bool cwListBase::W_MouseDown(int button, int, double, double y) {
+  if (button != Button::Left) return false;
+  SetFocus();
+  if (const int row = RowAtY(y); row >= 0) {
+    setListIndex(row);
+    RaiseBubblingEvent("Click");
+  }
+  return true;
+}
+
+bool cwListBase::W_DblClick(int button, int, double, double y) {
+  if (button != Button::Left) return false;
+  if (const int row = RowAtY(y); row >= 0) Activated(row);
+  return true;
+}
+
+bool cwListBase::W_MouseWheel(int delta, int, double, double) {
+  top_ = std::clamp(top_ - delta * 3, 0, std::max(0, ListCount() - RowsShown()));
+  Refresh();
+  return true;
+}
+
+void cwListBase::W_KeyDown(int& keyCode, int) {
+  int to = index_;
+  switch (keyCode) {
+    case Key::Up:
+      to = std::max(0, index_ - 1);
+      break;
+    case Key::Down:
+      to = std::min(ListCount() - 1, index_ + 1);
+      break;
+    case Key::PageUp:
+      to = std::max(0, index_ - RowsShown());
+      break;
+    case Key::PageDown:
+      to = std::min(ListCount() - 1, index_ + RowsShown());
+      break;
+    case Key::Home:
+      to = 0;
+      break;
+    case Key::End:
+      to = ListCount() - 1;
+      break;
+    case Key::Return:
+      if (index_ >= 0) Activated(index_);
+      keyCode = 0;
+      return;
+    default:
+      return;
+  }
+  if (ListCount() > 0) setListIndex(to);
+  keyCode = 0;
+}
+
+}  // namespace qds

@@ -1,0 +1,51 @@
+#pragma once
+// A scrolling list of text rows, one of them selected, moved through by
+// the mouse, the wheel and the keys.
+
+#include <string>
+#include <vector>
+
+#include "platform/ui/Widget.h"
+
+namespace qds {
+
+class cwListBase : public Widget {
+ public:
+  explicit cwListBase(std::string typeName);
+  int ListCount() const { return static_cast<int>(rows_.size()); }
+  const std::string& List(int index) const { return rows_.at(index).text; }
+  int ListIndex() const { return index_; }
+  void setListIndex(int index);  // -1 for none
+  int TopIndex() const { return top_; }
+  double RowHeight = 20;
+
+  void W_Paint(DrawingContext& ctx, double w, double h) override;
+  bool W_MouseDown(int button, int shift, double x, double y) override;
+  bool W_DblClick(int button, int shift, double x, double y) override;
+  bool W_MouseWheel(int delta, int shift, double x, double y) override;
+  void W_KeyDown(int& keyCode, int shift) override;
+
+ protected:
+  struct Row {
+    std::string text;
+    int indent = 0;
+    bool folder = false;
+  };
+  const Row& RowAt(int index) const { return rows_.at(index); }
+  // Paints one row; the selected one is on the accent colour already.
+  virtual void PaintRow(DrawingContext& ctx, int index, double y, double w, bool selected);
+  void SetRows(std::vector<Row> rows, int selected);
+  // A double click or Return on a row.
+  virtual void Activated(int index) { (void)index; }
+  virtual void Selected() {}
+  int RowAtY(double y) const;
+
+ private:
+  int RowsShown() const;
+  void ScrollTo(int index);
+  std::vector<Row> rows_;
+  int index_ = -1;
+  int top_ = 0;
+};
+
+}  // namespace qds

@@ -2,14 +2,17 @@
 
 #include "platform/stock/StockDrawing.h"
 #include "platform/stock/StockWidgets.h"
+#include "platform/stock/cwDropDown.h"
+#include "platform/stock/cwFolderLists.h"
 #include "platform/stock/cwMenu.h"
 #include "platform/stock/cwScrollBar.h"
+#include "platform/stock/cwTree.h"
 
 namespace qds {
 
 DemoWidgetsForm::DemoWidgetsForm() {
   Caption = "Quillaron Design Studio: widgets";
-  Move(0, 0, 380, 250);
+  Move(0, 0, 580, 250);
   BackColor = StockColor(Palette::Back);
 
   auto& frame = static_cast<cwFrame&>(Children().Add(CreateWidget("cwFrame"), "frmButtons"));
@@ -60,9 +63,24 @@ DemoWidgetsForm::DemoWidgetsForm() {
     status_->Refresh();
   };
 
+  auto& tree = static_cast<cwTree&>(Children().Add(CreateWidget("cwTree"), "treDemo"));
+  tree.Move(380, 10, 190, 120);
+  tree.setNodes({{"styles", "Styles", {}, {{"line", "Line", {}, {}}, {"solid", "Solid", {}, {}}}, true},
+                 {"themes", "Themes", {}, {{"web", "Web", {}, {}}}}});
+  tree.Select("solid");
+
+  auto& drop = static_cast<cwDropDown&>(Children().Add(CreateWidget("cwDropDown"), "ddDemo"));
+  drop.Caption = "cwDropDown";
+  drop.Move(380, 140, 190, 24);
+  auto& folders = static_cast<cwDirList&>(drop.setContent(CreateWidget("cwDirList")));
+  folders.Change = [&drop, &folders] {
+    drop.Caption = folders.Path();
+    drop.Refresh();
+  };
+
   status_ = &static_cast<cwStatusBar&>(Children().Add(CreateWidget("cwStatusBar"), "sbStatus"));
   status_->Caption = "Clicks: 0";
-  status_->Move(0, 226, 380, 24);
+  status_->Move(0, 226, 580, 24);
 
   ok.Click = [this] {
     ++Clicks;

@@ -10,6 +10,7 @@
 #include "platform/stock/cwFolderLists.h"
 #include "platform/stock/cwMenu.h"
 #include "platform/stock/cwScrollBar.h"
+#include "platform/stock/cwTree.h"
 #include "platform/ui/PlatformRoot.h"
 
 namespace qds {
@@ -121,6 +122,7 @@ std::unique_ptr<Widget> CreateWidget(const std::string& className) {
   if (className == "cwStatusBar") return std::make_unique<cwStatusBar>();
   if (className == "cwMenu") return std::make_unique<cwMenu>();
   if (className == "cwDropDown") return std::make_unique<cwDropDown>();
+  if (className == "cwTree") return std::make_unique<cwTree>();
   if (className == "cwDirList") return std::make_unique<cwDirList>();
   if (className == "cwFileList") return std::make_unique<cwFileList>();
   return nullptr;

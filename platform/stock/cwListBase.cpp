@@ -40,18 +40,14 @@ void cwListBase::ScrollTo(int index) {
 void cwListBase::W_Paint(DrawingContext& ctx, double w, double h) {
   ctx.SetSourceColor(StockColor(Palette::Face));
   ctx.Paint();
-  ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
   for (int i = top_; i < ListCount() && (i - top_) * RowHeight < h; ++i) {
     const double y = (i - top_) * RowHeight;
     if (i == index_) {
       ctx.SetSourceColor(StockColor(Palette::Accent));
       ctx.Rectangle(0, y, w, RowHeight);
       ctx.Fill();
-      ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
     }
-    const double x = 6 + rows_[i].indent * 12;
-    ctx.DrawText(x, y, w - x - 4, RowHeight, (rows_[i].folder ? "▸ " : "") + rows_[i].text, true,
-                 TextAlign::Left, TextAlign::Middle);
+    PaintRow(ctx, i, y, w, i == index_);
   }
   ctx.SetSourceColor(HasFocus() ? StockColor(Palette::Accent) : StockColor(Palette::Border));
   ctx.SetLineWidth(1);
@@ -61,6 +57,7 @@ void cwListBase::W_Paint(DrawingContext& ctx, double w, double h) {
 
 void cwListBase::PaintRow(DrawingContext& ctx, int index, double y, double w, bool) {
   const double x = 6 + rows_[index].indent * 12;
+  ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
   ctx.DrawText(x, y, w - x - 4, RowHeight, (rows_[index].folder ? "▸ " : "") + rows_[index].text, true,
                TextAlign::Left, TextAlign::Middle);
 }

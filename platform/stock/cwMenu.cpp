@@ -27,7 +27,7 @@ class MenuPopUp : public cfForm {
     for (size_t i = 0; i < rows_.size(); ++i) {
       const double top = static_cast<double>(i) * kRowHeight;
       if (static_cast<int>(i) == lit_ && rows_[i].enabled) {
-        ctx.SetSourceColor(StockColor(Palette::Hover));
+        ctx.SetSourceColor(StockColor(Palette::Accent));
         ctx.Rectangle(0, top, w, kRowHeight);
         ctx.Fill();
       }

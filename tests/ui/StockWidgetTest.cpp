@@ -14,6 +14,7 @@
 #include "platform/stock/cwFolderLists.h"
 #include "platform/stock/cwMenu.h"
 #include "platform/stock/cwScrollBar.h"
+#include "platform/stock/cwTree.h"
 #include "tests/support/Pixels.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/UiDriver.h"
@@ -105,7 +106,7 @@ TEST(StockWidgets, TheDemonstrationFormWorksWithoutADisplay) {
   DemoWidgetsForm form;
   form.Show();
   const SurfacePtr before = ui.Screenshot(form);
-  EXPECT_EQ(before->Width(), 380);
+  EXPECT_EQ(before->Width(), 580);
   cwButton& ok = static_cast<cwButton&>(form.Children().Item("frmButtons").Children().Item("btnOk"));
   ui.Click(ok);
   ui.Click(ok);
@@ -352,4 +353,66 @@ TEST(StockWidgets, FolderAndFileListsShowRealFoldersFilteredAndFollowRescan) {
   EXPECT_EQ(files.ListCount(), 3);
   EXPECT_EQ(files.FileName(), "two.png");
   EXPECT_EQ(files.ListIndex(), 2);
+}
+
+TEST(StockWidgets, TreesExpandSelectKeepStateAcrossNewDataAndLetTheOwnerDraw) {
+  UiDriver ui;
+  Host form;
+  form.Move(0, 0, 200, 200);
+  auto& tree = static_cast<cwTree&>(form.Children().Add(CreateWidget("cwTree"), "tre"));
+  tree.Move(0, 0, 200, 200);  // rows of 20 px; the expander of depth d at 4 + 14 d
+  const auto data = [](const std::string& extra) {
+    std::vector<TreeNode> roots;
+    roots.push_back({"styles", "Styles", {Value(3)}, {{"line", "Line", {}, {}}, {"solid", "Solid", {}, {}}}});
+    roots.push_back({"themes", "Themes", {}, {{"web", "Web", {}, {{"web/arrows", "Arrows", {}, {}}}}}});
+    if (!extra.empty()) roots.push_back({extra, extra, {}, {}});
+    return roots;
+  };
+  tree.setNodes(data(""));
+  std::vector<std::string> clicked;
+  tree.NodeClick = [&](const std::string& key) { clicked.push_back(key); };
+  form.Show();
+  EXPECT_EQ(tree.ListCount(), 2);
+  EXPECT_EQ(tree.Node("styles")->values.at(0).AsLong(), 3);
+
+  ui.Backend().Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 8, 10});  // the expander of Styles
+  ui.Root().DoEvents();
+  EXPECT_EQ(tree.ListCount(), 4);
+  EXPECT_EQ(tree.List(1), "Line");
+  EXPECT_EQ(tree.SelectedKey(), "");  // opening is not choosing
+  ui.Backend().Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 80, 50});
+  ui.Root().DoEvents();
+  EXPECT_EQ(tree.SelectedKey(), "solid");
+
+  // New data keeps what was open and chosen.
+  tree.setNodes(data("extra"));
+  EXPECT_EQ(tree.ListCount(), 5);
+  EXPECT_EQ(tree.SelectedKey(), "solid");
+  // Closing the parent of the selection moves it to the parent; Left then Right by keys.
+  tree.Expand("styles", false);
+  EXPECT_EQ(tree.SelectedKey(), "styles");
+  tree.SetFocus();
+  ui.Press(form, Key::Right);
+  EXPECT_TRUE(tree.Node("styles")->expanded);
+  ui.Press(form, Key::Down);
+  ui.Press(form, Key::Left);  // a leaf: up to its parent
+  EXPECT_EQ(tree.SelectedKey(), "styles");
+  // Selecting a hidden node opens the way down to it.
+  tree.Select("web/arrows");
+  EXPECT_TRUE(tree.Node("themes")->expanded);
+  EXPECT_EQ(tree.SelectedKey(), "web/arrows");
+  EXPECT_EQ(clicked, (std::vector<std::string>{"solid", "line", "styles", "web/arrows"}));
+  EXPECT_EQ(std::count(form.events.begin(), form.events.end(), "tre:NodeExpand"), 5);
+
+  int drawn = 0;
+  tree.OwnerDraw = [&](DrawingContext& ctx, const TreeNode&, double x, double y, double w, double h, bool) {
+    ++drawn;
+    ctx.SetSourceColor(0x00FF00);
+    ctx.Rectangle(x, y, w, h);
+    ctx.Fill();
+  };
+  tree.Refresh();
+  const SurfacePtr shot = ui.Screenshot(form);
+  EXPECT_EQ(drawn, tree.ListCount());
+  EXPECT_EQ(PixelAt(shot, 150, 10), (Bgra{0, 255, 0, 255}));
 }

@@ -1,0 +1,102 @@
+// The real window: the demonstration form opened by the program under a
+// virtual X server must look as the same form rendered without a display.
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "app/ui/DemoWidgetsForm.h"
+#include "platform/DrawingSurface.h"
+#include "platform/ImageList.h"
+#include "platform/SvgRenderer.h"
+#include "tests/support/Pixels.h"
+#include "tests/support/TempDir.h"
+#include "tests/support/UiDriver.h"
+
+extern char** environ;
+
+using namespace qds;
+
+namespace {
+
+pid_t Spawn(const std::vector<std::string>& argv, const std::vector<std::string>& extraEnv) {
+  std::vector<char*> args;
+  for (const std::string& a : argv) args.push_back(const_cast<char*>(a.c_str()));
+  args.push_back(nullptr);
+  std::vector<std::string> envStore(extraEnv);
+  for (char** e = environ; *e; ++e) envStore.emplace_back(*e);
+  std::vector<char*> env;
+  for (std::string& e : envStore) env.push_back(e.data());
+  env.push_back(nullptr);
+  pid_t pid = 0;
+  return posix_spawn(&pid, argv[0].c_str(), nullptr, nullptr, args.data(), env.data()) == 0 ? pid : -1;
+}
+
+// Waits for the process within `seconds`; its exit code, or -1 when it had to be killed.
+int Wait(pid_t pid, int seconds) {
+  for (int i = 0; i < seconds * 20; ++i) {
+    int status = 0;
+    if (waitpid(pid, &status, WNOHANG) == pid) return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  }
+  kill(pid, SIGKILL);
+  waitpid(pid, nullptr, 0);
+  return -1;
+}
+
+}  // namespace
+
+TEST(RealWindow, TheDemonstrationFormUnderXLooksAsItDoesWithoutADisplay) {
+  const std::string xvfb = "/usr/bin/Xvfb";
+  if (!std::filesystem::exists(xvfb))
+    GTEST_SKIP() << "Xvfb is not installed (scripts/install-deps installs it)";
+
+  // A display number nobody uses.
+  int display = 90 + static_cast<int>(getpid() % 400);
+  while (std::filesystem::exists("/tmp/.X11-unix/X" + std::to_string(display))) ++display;
+  const std::string name = ":" + std::to_string(display);
+  const pid_t server = Spawn({xvfb, name, "-screen", "0", "1024x768x24", "-nolisten", "tcp"}, {});
+  ASSERT_GT(server, 0);
+  for (int i = 0; i < 100 && !std::filesystem::exists("/tmp/.X11-unix/X" + std::to_string(display)); ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  }
+  TempDir dir;
+  const std::string shot = dir.Path() + "/window.png";
+  const pid_t program = Spawn({QDS_APP_EXE, "--demo-widgets", "--screenshot", shot}, {"DISPLAY=" + name});
+  const int code = program > 0 ? Wait(program, 60) : -1;
+  kill(server, SIGTERM);
+  Wait(server, 10);
+  ASSERT_EQ(code, 0);
+  const SurfacePtr window = DrawingSurface::FromPngFile(shot);
+  ASSERT_TRUE(window);
+
+  UiDriver ui;
+  SvgRenderer renderer;
+  ImageList images(renderer);
+  ASSERT_TRUE(images.AddFromFile(QDS_SOURCE_DATA "/Quillaron.svg", "Logo", 128, 128));
+  ui.Root().setImages(&images);
+  DemoWidgetsForm form;
+  form.Show();
+  const SurfacePtr headless = ui.Screenshot(form);
+
+  ASSERT_EQ(window->Width(), headless->Width());
+  ASSERT_EQ(window->Height(), headless->Height());
+  // The same picture, give or take a rounding in the upload.
+  int differing = 0;
+  for (int y = 0; y < headless->Height(); ++y) {
+    for (int x = 0; x < headless->Width(); ++x) {
+      const Bgra a = PixelAt(window, x, y), b = PixelAt(headless, x, y);
+      if (std::abs(a.r - b.r) > 8 || std::abs(a.g - b.g) > 8 || std::abs(a.b - b.b) > 8) ++differing;
+    }
+  }
+  EXPECT_LT(differing, headless->Width() * headless->Height() / 200) << "pixels differing: " << differing;
+}

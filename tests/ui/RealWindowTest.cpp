@@ -71,7 +71,11 @@ TEST(RealWindow, TheDemonstrationFormUnderXLooksAsItDoesWithoutADisplay) {
   }
   TempDir dir;
   const std::string shot = dir.Path() + "/window.png";
-  const pid_t program = Spawn({QDS_APP_EXE, "--demo-widgets", "--screenshot", shot}, {"DISPLAY=" + name});
+  // SDL unloads the X libraries it opened before the leak check runs, so
+  // what they keep cannot be told apart or suppressed: the sanitizer build
+  // checks leaks in the headless tests instead.
+  const pid_t program = Spawn({QDS_APP_EXE, "--demo-widgets", "--screenshot", shot},
+                              {"DISPLAY=" + name, "ASAN_OPTIONS=detect_leaks=0"});
   const int code = program > 0 ? Wait(program, 60) : -1;
   kill(server, SIGTERM);
   Wait(server, 10);

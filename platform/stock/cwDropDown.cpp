@@ -46,14 +46,15 @@ Widget& cwDropDown::setContent(std::unique_ptr<Widget> content) {
 
 void cwDropDown::OpenDropDown() {
   if (IsOpen()) return;
-  double x = 0, y = 0;
+  double x = 0, y = 0, screenX = 0, screenY = 0;
   FormPosition(x, y);
   if (const cfForm* owner = Form()) {
-    x += owner->Left();
-    y += owner->Top();
+    screenX = owner->Left();
+    screenY = owner->Top();
     popup_->setZoom(owner->Zoom());
   }
-  popup_->Move(x, y + Height(), Width(), DropHeight);
+  // A form's place is in screen pixels; the box's in the owner's units.
+  popup_->Move(screenX + x * popup_->Zoom(), screenY + (y + Height()) * popup_->Zoom(), Width(), DropHeight);
   if (content_) content_->Move(0, 0, Width(), DropHeight);
   popup_->Show();
   Refresh();

@@ -4,7 +4,6 @@
 #include <cctype>
 #include <filesystem>
 
-
 namespace qds {
 
 namespace fs = std::filesystem;

@@ -156,7 +156,8 @@ void cwMenu::ShowPopup(const std::string& root, double x, double y) {
     oy = owner->Top();
     popup_->setZoom(owner->Zoom());
   }
-  popup_->Move(ox + x, oy + y, width, height);
+  // A form's place is in screen pixels; the point is in the owner's units.
+  popup_->Move(ox + x * popup_->Zoom(), oy + y * popup_->Zoom(), width, height);
   popup_->Show();
 }
 

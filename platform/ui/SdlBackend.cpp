@@ -140,13 +140,27 @@ void SdlBackend::FormShown(cfForm& form) {
   Window w;
   w.w = std::max(1, static_cast<int>(std::lround(form.Width() * form.Zoom())));
   w.h = std::max(1, static_cast<int>(std::lround(form.Height() * form.Zoom())));
-  w.window = SDL_CreateWindow(form.Caption.c_str(), SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, w.w, w.h,
-                              SDL_WINDOW_SHOWN);
+  // Pop-ups go exactly where their owner puts them, without a frame; the
+  // others open in the middle of the screen.
+  const bool popUp = form.PopUp;
+  const int x = popUp ? static_cast<int>(std::lround(form.Left())) : SDL_WINDOWPOS_CENTERED;
+  const int y = popUp ? static_cast<int>(std::lround(form.Top())) : SDL_WINDOWPOS_CENTERED;
+  w.window = SDL_CreateWindow(
+      form.Caption.c_str(), x, y, w.w, w.h,
+      popUp ? SDL_WINDOW_SHOWN | SDL_WINDOW_BORDERLESS | SDL_WINDOW_POPUP_MENU : SDL_WINDOW_SHOWN);
   if (!w.window) Raise(ErrNo::InvalidArgument, std::string("No window: ") + SDL_GetError(), "SdlBackend");
+  if (!popUp) FollowWindow(form, w.window);
   w.renderer = SDL_CreateRenderer(w.window, -1, SDL_RENDERER_SOFTWARE);
   w.texture = SDL_CreateTexture(w.renderer, SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STREAMING, w.w, w.h);
   windows_[&form] = w;
   form.Invalidate();
+}
+
+void SdlBackend::FollowWindow(cfForm& form, SDL_Window* window) {
+  // The form knows where its window is, so that pop-ups open beside it.
+  int x = 0, y = 0;
+  SDL_GetWindowPosition(window, &x, &y);
+  form.Move(x, y, form.Width(), form.Height());
 }
 
 void SdlBackend::FormClosed(cfForm& form) {
@@ -250,6 +264,9 @@ bool SdlBackend::WaitEvent(double timeoutMs, UiEvent& event) {
       }
       if (e.window.event == SDL_WINDOWEVENT_EXPOSED) {
         if (cfForm* f = FormOf(e.window.windowID)) f->Invalidate();
+      }
+      if (e.window.event == SDL_WINDOWEVENT_MOVED) {
+        if (cfForm* f = FormOf(e.window.windowID)) FollowWindow(*f, SDL_GetWindowFromID(e.window.windowID));
       }
       return false;
     case SDL_QUIT:

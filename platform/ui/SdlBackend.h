@@ -44,6 +44,7 @@ class SdlBackend : public UiBackend {
     int w = 0, h = 0;
   };
   cfForm* FormOf(unsigned windowId) const;
+  static void FollowWindow(cfForm& form, SDL_Window* window);
   std::map<cfForm*, Window> windows_;
   std::map<int, SDL_Cursor*> cursors_;
   bool firstFrame_ = true;

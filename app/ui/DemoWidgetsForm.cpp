@@ -22,7 +22,8 @@ DemoWidgetsForm::DemoWidgetsForm() {
   ok.Caption = "Ok";
   ok.Move(10, 24, 80, 26);
   auto& save = static_cast<cwButton&>(frame.Children().Add(CreateWidget("cwButton"), "btnSave"));
-  save.Caption = "Save";
+  save.Caption = "&Save";
+  save.ToolTip = "Alt+S presses it too";
   save.PictureKey = "Logo";
   save.Move(100, 24, 90, 26);
   auto& ruler = static_cast<cwButton&>(frame.Children().Add(CreateWidget("cwButton"), "chkRuler"));

@@ -24,6 +24,11 @@ inline std::int64_t StockColor(int index) {
 constexpr const char* kUiFont = "DejaVu Sans";
 constexpr double kUiFontSize = 9;
 
+// Captions mark their access key with '&' ("&Save": Alt+S); "&&" is a
+// plain '&'. The caption as shown, and its letter in upper case, or 0.
+std::string ShownCaption(const std::string& caption);
+char AccessLetter(const std::string& caption);
+
 // A picture of the image cache drawn into the box, or nothing when the
 // cache lacks it.
 void DrawPicture(DrawingContext& ctx, const std::string& key, double x, double y, double w, double h);

@@ -1,6 +1,7 @@
 #include "platform/stock/StockWidgets.h"
 
 #include <algorithm>
+#include <cctype>
 
 #include "platform/DrawingContext.h"
 #include "platform/DrawingSurface.h"
@@ -19,6 +20,25 @@ void DrawPicture(DrawingContext& ctx, const std::string& key, double x, double y
   PlatformRoot* root = PlatformRoot::Current();
   if (key.empty() || !root || !root->Images()) return;
   if (const SurfacePtr picture = root->Images()->Get(key)) ctx.DrawSurface(picture, x, y, w, h, Filter::Good);
+}
+
+std::string ShownCaption(const std::string& caption) {
+  std::string shown;
+  for (size_t i = 0; i < caption.size(); ++i) {
+    if (caption[i] == '&' && i + 1 < caption.size()) ++i;
+    shown += caption[i];
+  }
+  return shown;
+}
+
+char AccessLetter(const std::string& caption) {
+  for (size_t i = 0; i + 1 < caption.size(); ++i) {
+    if (caption[i] != '&') continue;
+    if (caption[i + 1] != '&')
+      return static_cast<char>(std::toupper(static_cast<unsigned char>(caption[i + 1])));
+    ++i;
+  }
+  return 0;
 }
 
 void cwButton::W_Paint(DrawingContext& ctx, double w, double h) {
@@ -40,7 +60,7 @@ void cwButton::W_Paint(DrawingContext& ctx, double w, double h) {
   }
   ctx.SelectFont(kUiFont, kUiFontSize,
                  EnabledInTree() ? StockColor(Palette::Text) : StockColor(Palette::Disabled));
-  ctx.DrawText(textLeft, 0, w - textLeft, h, Caption, true,
+  ctx.DrawText(textLeft, 0, w - textLeft, h, ShownCaption(Caption), true,
                textLeft > 0 ? TextAlign::Left : TextAlign::Center, TextAlign::Middle);
 }
 
@@ -69,6 +89,13 @@ bool cwButton::W_MouseUp(int button, int, double x, double y) {
   return true;
 }
 
+bool cwButton::W_AccessKey(char letter) {
+  if (letter == 0 || AccessLetter(Caption) != letter) return false;
+  SetFocus();
+  Press();
+  return true;
+}
+
 void cwButton::W_KeyDown(int& keyCode, int) {
   if (keyCode == Key::Return || keyCode == Key::Space) {
     keyCode = 0;
@@ -79,7 +106,8 @@ void cwButton::W_KeyDown(int& keyCode, int) {
 void cwLabel::W_Paint(DrawingContext& ctx, double w, double h) {
   ctx.SelectFont(kUiFont, kUiFontSize,
                  EnabledInTree() ? StockColor(Palette::Text) : StockColor(Palette::Disabled));
-  ctx.DrawText(2, 0, w - 4, h, Caption, !WordWrap, Alignment, WordWrap ? TextAlign::Top : TextAlign::Middle);
+  ctx.DrawText(2, 0, w - 4, h, ShownCaption(Caption), !WordWrap, Alignment,
+               WordWrap ? TextAlign::Top : TextAlign::Middle);
 }
 
 void cwFrame::W_Paint(DrawingContext& ctx, double w, double h) {

@@ -28,6 +28,7 @@ class cwButton : public Widget {
   void W_MouseEnter() override { Refresh(); }
   void W_MouseLeave() override { Refresh(); }
   void W_KeyDown(int& keyCode, int shift) override;
+  bool W_AccessKey(char letter) override;
 
  private:
   void Press();

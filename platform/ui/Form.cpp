@@ -1,10 +1,12 @@
 #include "platform/ui/Form.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "platform/DrawingContext.h"
 #include "platform/DrawingSurface.h"
 #include "platform/Error.h"
+#include "platform/stock/StockDrawing.h"
 #include "platform/ui/PlatformRoot.h"
 
 namespace qds {
@@ -55,6 +57,7 @@ cfForm::cfForm() : Widget("cfForm") {
 }
 
 cfForm::~cfForm() {
+  HideToolTip();
   if (PlatformRoot* root = PlatformRoot::Current(); root && showing_) root->FormClosed(*this);
 }
 
@@ -122,16 +125,62 @@ void cfForm::Route(Widget* start, double fx, double fy, Handler handler) {
   }
 }
 
+// The tip of the widget the mouse rests on: a small pop-up under the mouse.
+class ToolTipForm : public cfForm {
+ public:
+  explicit ToolTipForm(const std::string& text) {
+    Caption = text;
+    PopUp = true;
+    BackColor = StockColor(Palette::Face);
+  }
+  void W_Paint(DrawingContext& ctx, double w, double h) override {
+    ctx.SetSourceColor(StockColor(Palette::Border));
+    ctx.SetLineWidth(1);
+    ctx.Rectangle(0.5, 0.5, w - 1, h - 1);
+    ctx.Stroke();
+    ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
+    ctx.DrawText(6, 0, w - 12, h, Caption, true, TextAlign::Left, TextAlign::Middle);
+  }
+};
+
+void cfForm::ShowToolTip() {
+  HideToolTip();
+  if (!hover_ || hover_->ToolTip.empty() || capture_ || !showing_) return;
+  DrawingContext measure(DrawingSurface::Create(1, 1));
+  measure.SelectFont(kUiFont, kUiFontSize, 0);
+  const TextSize size = measure.MeasureText(hover_->ToolTip);
+  tip_ = std::make_shared<ToolTipForm>(hover_->ToolTip);
+  tip_->setZoom(zoom_);
+  tip_->Move(Left() + mouseX_, Top() + mouseY_ + 20 * zoom_, size.width + 12, size.height + 8);
+  tip_->Show();
+}
+
+void cfForm::HideToolTip() {
+  if (PlatformRoot* root = PlatformRoot::Current(); root && tipTimer_) root->KillTimer(tipTimer_);
+  tipTimer_ = 0;
+  if (tip_) {
+    tip_->Close();
+    // Perhaps on its way through an event of its own.
+    if (PlatformRoot* root = PlatformRoot::Current()) root->DeferDelete(tip_);
+    tip_.reset();
+  }
+}
+
 void cfForm::UpdateHover(Widget* now) {
   if (now == hover_) return;
   Widget* old = hover_;
   hover_ = now;
+  HideToolTip();
+  if (PlatformRoot* root = PlatformRoot::Current(); root && now && !now->ToolTip.empty()) {
+    tipTimer_ = root->SetTimer(this, kToolTipDelayMs, [this] { ShowToolTip(); });
+  }
   if (old) RunHandler(old->TypeName() + ":W_MouseLeave", HandlerMode::Report, [&] { old->W_MouseLeave(); });
   if (now) RunHandler(now->TypeName() + ":W_MouseEnter", HandlerMode::Report, [&] { now->W_MouseEnter(); });
 }
 
 void cfForm::MouseDown(int button, int shift, double x, double y) {
   if (disabledByModal_) return;
+  HideToolTip();
   Widget* target = capture_ ? capture_ : &HitTest(x, y);
   // A press gives the focus to the first widget up the tree that takes it.
   for (Widget* w = target; w; w = w->Parent()) {
@@ -146,6 +195,7 @@ void cfForm::MouseDown(int button, int shift, double x, double y) {
 
 void cfForm::MouseMove(int button, int shift, double x, double y) {
   if (disabledByModal_) return;
+  mouseX_ = x, mouseY_ = y;
   Widget* under = &HitTest(x, y);
   UpdateHover(under);
   Route(capture_ ? capture_ : under, x / zoom_, y / zoom_,
@@ -173,10 +223,47 @@ void cfForm::MouseWheel(int delta, int shift, double x, double y) {
 
 void cfForm::KeyDown(int keyCode, int shift) {
   if (disabledByModal_) return;
+  HideToolTip();
   RunHandler("cfForm:Form_KeyDown", HandlerMode::Report, [&] { Form_KeyDown(keyCode, shift); });
   if (keyCode == 0) return;
+  if ((shift & Shift::Alt) && keyCode >= 'A' && keyCode <= 'Z' &&
+      AccessKey(*this, static_cast<char>(keyCode))) {
+    return;
+  }
   if (Widget* w = focus_)
     RunHandler(w->TypeName() + ":W_KeyDown", HandlerMode::Report, [&] { w->W_KeyDown(keyCode, shift); });
+  // Tab, when the focused widget has no use for it, moves the focus on.
+  if (keyCode == Key::Tab && !(shift & Shift::Ctrl)) MoveFocus((shift & Shift::ShiftKey) ? -1 : 1);
+}
+
+bool cfForm::AccessKey(Widget& w, char letter) {
+  for (int i = 0; i < w.Children().Count(); ++i) {
+    Widget& c = w.Children().Item(i);
+    if (!c.Visible() || !c.Enabled()) continue;
+    bool taken = false;
+    RunHandler(c.TypeName() + ":W_AccessKey", HandlerMode::Report, [&] { taken = c.W_AccessKey(letter); });
+    if (taken || AccessKey(c, letter)) return true;
+  }
+  return false;
+}
+
+void cfForm::MoveFocus(int step) {
+  // The widgets that take the focus, in the order they were added.
+  std::vector<Widget*> order;
+  const auto collect = [&](auto& self, Widget& w) -> void {
+    for (int i = 0; i < w.Children().Count(); ++i) {
+      Widget& c = w.Children().Item(i);
+      if (!c.Visible() || !c.Enabled()) continue;
+      if (c.CanFocus) order.push_back(&c);
+      self(self, c);
+    }
+  };
+  collect(collect, *this);
+  if (order.empty()) return;
+  const auto at = std::find(order.begin(), order.end(), focus_);
+  const int n = static_cast<int>(order.size());
+  const int from = at == order.end() ? (step > 0 ? -1 : 0) : static_cast<int>(at - order.begin());
+  SetFocusTo(order[(from + step + n) % n]);
 }
 
 void cfForm::KeyUp(int keyCode, int shift) {
@@ -208,7 +295,10 @@ void cfForm::SetFocusTo(Widget* w) {
 void cfForm::Forget(const Widget& gone) {
   if (Within(gone, focus_)) focus_ = nullptr;
   if (Within(gone, capture_)) capture_ = nullptr;
-  if (Within(gone, hover_)) hover_ = nullptr;
+  if (Within(gone, hover_)) {
+    hover_ = nullptr;
+    HideToolTip();
+  }
 }
 
 }  // namespace qds

@@ -2,6 +2,7 @@
 // A top-level window: its widgets, its picture, and the routing of mouse
 // and keyboard input to the widget under the mouse or with the focus.
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -52,6 +53,9 @@ class cfForm : public Widget {
   Widget* FocusWidget() const { return focus_; }
   Widget* CaptureWidget() const { return capture_; }
   Widget* HoverWidget() const { return hover_; }
+  // The tip shown for the widget the mouse rests on, if any.
+  cfForm* ToolTipWindow() const { return tip_.get(); }
+  static constexpr double kToolTipDelayMs = 600;
 
   // Events of the form. Keys reach Form_KeyDown before any widget.
   virtual void Form_BubblingEvent(Widget& source, const std::string& name, const std::vector<Value>& args) {
@@ -66,10 +70,14 @@ class cfForm : public Widget {
   friend class Widgets;
   friend class PlatformRoot;
   void SetFocusTo(Widget* w);
+  bool AccessKey(Widget& w, char letter);
+  void MoveFocus(int step);
   void Forget(const Widget& gone);  // a widget left the tree
   template <class Handler>
   void Route(Widget* start, double fx, double fy, Handler handler);
   void UpdateHover(Widget* now);
+  void ShowToolTip();
+  void HideToolTip();
 
   double zoom_ = 1;
   SurfacePtr surface_;
@@ -80,6 +88,9 @@ class cfForm : public Widget {
   Widget* focus_ = nullptr;
   Widget* capture_ = nullptr;
   Widget* hover_ = nullptr;
+  double mouseX_ = 0, mouseY_ = 0;
+  int tipTimer_ = 0;
+  std::shared_ptr<cfForm> tip_;
 };
 
 }  // namespace qds

@@ -131,6 +131,11 @@ class Widget {
   virtual void W_DragDrop(const std::string& dataKey, Widget& source, double x, double y) {
     (void)dataKey, (void)source, (void)x, (void)y;
   }
+  // Alt with a letter: true when the widget takes it (a caption's "&S").
+  virtual bool W_AccessKey(char letter) {
+    (void)letter;
+    return false;
+  }
   virtual void W_GotFocus() {}
   virtual void W_LostFocus() {}
 

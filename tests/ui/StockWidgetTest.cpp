@@ -416,3 +416,67 @@ TEST(StockWidgets, TreesExpandSelectKeepStateAcrossNewDataAndLetTheOwnerDraw) {
   EXPECT_EQ(drawn, tree.ListCount());
   EXPECT_EQ(PixelAt(shot, 150, 10), (Bgra{0, 255, 0, 255}));
 }
+
+TEST(StockWidgets, TabAndAccessKeysMoveTheFocusAndTipsShowWhenTheMouseRests) {
+  UiDriver ui;
+  Host form;
+  form.Move(50, 40, 300, 100);
+  std::vector<cwButton*> buttons;
+  int saved = 0;
+  for (const char* caption : {"&Open", "&Save", "Salt && &Pepper"}) {
+    cwButton& b = form.Children().Add(std::make_unique<cwButton>());
+    b.Move(10 + 90 * static_cast<double>(buttons.size()), 10, 80, 24);
+    b.Caption = caption;
+    buttons.push_back(&b);
+  }
+  buttons[1]->Click = [&] { ++saved; };
+  buttons[1]->ToolTip = "Save the design";
+  cwLabel& label = form.Children().Add(std::make_unique<cwLabel>());  // takes no focus
+  label.Move(10, 50, 100, 20);
+  form.Show();
+
+  ui.Press(form, Key::Tab);
+  EXPECT_TRUE(buttons[0]->HasFocus());
+  ui.Press(form, Key::Tab);
+  ui.Press(form, Key::Tab);
+  EXPECT_TRUE(buttons[2]->HasFocus());
+  ui.Press(form, Key::Tab);  // round to the first
+  EXPECT_TRUE(buttons[0]->HasFocus());
+  ui.Press(form, Key::Tab, Shift::ShiftKey);
+  EXPECT_TRUE(buttons[2]->HasFocus());
+
+  ui.Press(form, 'S', Shift::Alt);
+  EXPECT_EQ(saved, 1);
+  EXPECT_TRUE(buttons[1]->HasFocus());
+  ui.Press(form, 'P', Shift::Alt);  // "&&" is no mark; "&P" is
+  EXPECT_TRUE(buttons[2]->HasFocus());
+  ui.Press(form, 'S');  // without Alt, nothing
+  EXPECT_EQ(saved, 1);
+  EXPECT_EQ(ShownCaption("Salt && &Pepper"), "Salt & Pepper");
+
+  // The tip comes when the mouse has rested, under it, and goes when it moves on.
+  ui.Backend().Push({UiEvent::Type::MouseMove, &form, 0, 0, 0, 140, 20});
+  ui.Root().DoEvents();
+  EXPECT_EQ(form.ToolTipWindow(), nullptr);
+  ui.Backend().AdvanceMs(cfForm::kToolTipDelayMs + 10);
+  ui.Root().DoEvents();
+  ASSERT_NE(form.ToolTipWindow(), nullptr);
+  EXPECT_TRUE(form.ToolTipWindow()->Showing());
+  EXPECT_EQ(form.ToolTipWindow()->Caption, "Save the design");
+  EXPECT_EQ(form.ToolTipWindow()->Left(), 50 + 140);
+  EXPECT_GT(form.ToolTipWindow()->Top(), 40 + 20);
+  ui.Backend().Push({UiEvent::Type::MouseMove, &form, 0, 0, 0, 40, 20});
+  ui.Root().DoEvents();
+  EXPECT_EQ(form.ToolTipWindow(), nullptr);
+  ui.Backend().AdvanceMs(cfForm::kToolTipDelayMs * 3);
+  ui.Root().DoEvents();
+  EXPECT_EQ(form.ToolTipWindow(), nullptr);  // the first button has no tip
+  // A press before the delay is over cancels it.
+  ui.Backend().Push({UiEvent::Type::MouseMove, &form, 0, 0, 0, 140, 20});
+  ui.Backend().Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 140, 20});
+  ui.Backend().Push({UiEvent::Type::MouseUp, &form, Button::Left, 0, 0, 140, 20});
+  ui.Root().DoEvents();
+  ui.Backend().AdvanceMs(cfForm::kToolTipDelayMs + 10);
+  ui.Root().DoEvents();
+  EXPECT_EQ(form.ToolTipWindow(), nullptr);
+}

@@ -14,6 +14,7 @@ DemoWidgetsForm::DemoWidgetsForm() {
   Caption = "Quillaron Design Studio: widgets";
   Move(0, 0, 580, 250);
   BackColor = StockColor(Palette::Back);
+  setIconKey("Logo");
 
   auto& frame = static_cast<cwFrame&>(Children().Add(CreateWidget("cwFrame"), "frmButtons"));
   frame.Caption = "cwButton";

@@ -74,6 +74,26 @@ void cfForm::Show() {
   if (PlatformRoot* root = PlatformRoot::Current()) root->FormShown(*this);
 }
 
+void cfForm::setIconKey(const std::string& key) {
+  iconKey_ = key;
+  if (PlatformRoot* root = PlatformRoot::Current(); root && showing_) root->Backend().FormIconChanged(*this);
+}
+
+void cfForm::setState(WindowState state) {
+  if (state == state_) return;
+  if (state == WindowState::Maximized) {
+    restore_[0] = Left(), restore_[1] = Top(), restore_[2] = Width(), restore_[3] = Height();
+    double x = 0, y = 0, w = 0, h = 0;
+    if (PlatformRoot* root = PlatformRoot::Current()) root->Backend().WorkArea(x, y, w, h);
+    Move(x, y, w / zoom_, h / zoom_);
+  } else {
+    Move(restore_[0], restore_[1], restore_[2], restore_[3]);
+  }
+  state_ = state;
+  Invalidate();
+  if (PlatformRoot* root = PlatformRoot::Current(); root && showing_) root->Backend().FormMoved(*this);
+}
+
 bool cfForm::Close() {
   if (!showing_) return true;
   if (!Form_QueryUnload()) return false;
@@ -104,6 +124,7 @@ void cfForm::Paint() {
   ctx.Scale(zoom_, zoom_);
   ctx.SetSourceColor(BackColor);
   ctx.Paint();
+  if (!PictureKey.empty()) DrawPicture(ctx, PictureKey, 0, 0, Width(), Height());
   // A widget that fails to paint must not take the window with it.
   RunHandler(TypeName() + ":W_Paint", HandlerMode::Silent, [&] { PaintTree(*this, ctx); });
 }
@@ -191,11 +212,23 @@ void cfForm::MouseDown(int button, int shift, double x, double y) {
   }
   Route(target, x / zoom_, y / zoom_,
         [&](Widget& w, double lx, double ly) { return w.W_MouseDown(button, shift, lx, ly); });
+  // A frameless form is moved by its top, where nothing else took the press.
+  if (Borderless && button == Button::Left && target == this && y / zoom_ < DragRegionHeight &&
+      state_ == WindowState::Normal) {
+    movingWindow_ = true;
+    grabX_ = x, grabY_ = y;
+  }
 }
 
 void cfForm::MouseMove(int button, int shift, double x, double y) {
   if (disabledByModal_) return;
   mouseX_ = x, mouseY_ = y;
+  if (movingWindow_) {
+    // The window follows so that the grabbed point stays under the mouse.
+    Move(Left() + x - grabX_, Top() + y - grabY_, Width(), Height());
+    if (PlatformRoot* root = PlatformRoot::Current()) root->Backend().FormMoved(*this);
+    return;
+  }
   Widget* under = &HitTest(x, y);
   UpdateHover(under);
   Route(capture_ ? capture_ : under, x / zoom_, y / zoom_,
@@ -204,6 +237,10 @@ void cfForm::MouseMove(int button, int shift, double x, double y) {
 
 void cfForm::MouseUp(int button, int shift, double x, double y) {
   if (disabledByModal_) return;
+  if (movingWindow_ && button == Button::Left) {
+    movingWindow_ = false;
+    return;
+  }
   Widget* target = capture_ ? capture_ : &HitTest(x, y);
   Route(target, x / zoom_, y / zoom_,
         [&](Widget& w, double lx, double ly) { return w.W_MouseUp(button, shift, lx, ly); });

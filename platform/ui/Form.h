@@ -23,6 +23,22 @@ class cfForm : public Widget {
   // The background colour (0xBBGGRR) painted under the widgets.
   std::int64_t BackColor = 0x323232;
 
+  // Pictures of the image cache: the window's icon, and one stretched
+  // over the background.
+  const std::string& IconKey() const { return iconKey_; }
+  void setIconKey(const std::string& key);
+  std::string PictureKey;
+
+  // Without the desktop's frame; the form is then moved by dragging its
+  // top DragRegionHeight units where no widget takes the mouse.
+  bool Borderless = false;
+  double DragRegionHeight = 0;
+
+  enum class WindowState { Normal, Maximized };
+  WindowState State() const { return state_; }
+  // Maximised, the form covers the work area; restored, its old place.
+  void setState(WindowState state);
+
   void Show();
   // Asks Form_QueryUnload; on yes runs Form_Unload and closes.
   bool Close();
@@ -89,6 +105,11 @@ class cfForm : public Widget {
   Widget* capture_ = nullptr;
   Widget* hover_ = nullptr;
   double mouseX_ = 0, mouseY_ = 0;
+  bool movingWindow_ = false;
+  double grabX_ = 0, grabY_ = 0;
+  std::string iconKey_;
+  WindowState state_ = WindowState::Normal;
+  double restore_[4] = {0, 0, 0, 0};
   int tipTimer_ = 0;
   std::shared_ptr<cfForm> tip_;
 };

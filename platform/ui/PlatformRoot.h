@@ -34,6 +34,11 @@ class UiBackend {
   virtual bool WaitEvent(double timeoutMs, UiEvent& event) = 0;
   virtual void FormShown(cfForm& form) { (void)form; }
   virtual void FormClosed(cfForm& form) { (void)form; }
+  // The form was moved or resized, or its icon changed.
+  virtual void FormMoved(cfForm& form) { (void)form; }
+  virtual void FormIconChanged(cfForm& form) { (void)form; }
+  // The part of the screen forms may cover, without the desktop's panels.
+  virtual void WorkArea(double& x, double& y, double& w, double& h) { x = 0, y = 0, w = 1920, h = 1040; }
   // The form's surface has changed in the given device rectangle.
   virtual void Present(cfForm& form) { (void)form; }
   // System services: the mouse cursor (32512 arrow, 32514 wait, ...),

@@ -2,11 +2,13 @@
 
 #include <SDL.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "platform/DrawingContext.h"
 #include "platform/DrawingSurface.h"
 #include "platform/Error.h"
+#include "platform/ImageList.h"
 #include "platform/ui/Form.h"
 
 namespace qds {
@@ -145,15 +147,59 @@ void SdlBackend::FormShown(cfForm& form) {
   const bool popUp = form.PopUp;
   const int x = popUp ? static_cast<int>(std::lround(form.Left())) : SDL_WINDOWPOS_CENTERED;
   const int y = popUp ? static_cast<int>(std::lround(form.Top())) : SDL_WINDOWPOS_CENTERED;
-  w.window = SDL_CreateWindow(
-      form.Caption.c_str(), x, y, w.w, w.h,
-      popUp ? SDL_WINDOW_SHOWN | SDL_WINDOW_BORDERLESS | SDL_WINDOW_POPUP_MENU : SDL_WINDOW_SHOWN);
+  w.window = SDL_CreateWindow(form.Caption.c_str(), x, y, w.w, w.h,
+                              popUp ? SDL_WINDOW_SHOWN | SDL_WINDOW_BORDERLESS | SDL_WINDOW_POPUP_MENU
+                              : form.Borderless ? SDL_WINDOW_SHOWN | SDL_WINDOW_BORDERLESS
+                                                : SDL_WINDOW_SHOWN);
   if (!w.window) Raise(ErrNo::InvalidArgument, std::string("No window: ") + SDL_GetError(), "SdlBackend");
   if (!popUp) FollowWindow(form, w.window);
   w.renderer = SDL_CreateRenderer(w.window, -1, SDL_RENDERER_SOFTWARE);
   w.texture = SDL_CreateTexture(w.renderer, SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STREAMING, w.w, w.h);
   windows_[&form] = w;
   form.Invalidate();
+  if (!form.IconKey().empty()) FormIconChanged(form);
+}
+
+void SdlBackend::FormMoved(cfForm& form) {
+  auto it = windows_.find(&form);
+  if (it == windows_.end()) return;
+  SDL_SetWindowPosition(it->second.window, static_cast<int>(std::lround(form.Left())),
+                        static_cast<int>(std::lround(form.Top())));
+  form.Invalidate();  // the size follows with the next picture
+}
+
+void SdlBackend::FormIconChanged(cfForm& form) {
+  auto it = windows_.find(&form);
+  PlatformRoot* root = PlatformRoot::Current();
+  if (it == windows_.end() || !root || !root->Images()) return;
+  const SurfacePtr picture = root->Images()->Get(form.IconKey());
+  if (!picture) return;
+  // The window manager scales it; 64 pixels look well in any panel.
+  SurfacePtr icon = DrawingSurface::Create(64, 64);
+  {
+    DrawingContext ctx(icon);
+    ctx.DrawSurface(picture, 0, 0, 64, 64, Filter::Good);
+  }
+  PixelView v = icon->Pixels();
+  // SDL wants straight alpha; cairo keeps it premultiplied.
+  for (int y = 0; y < 64; ++y) {
+    unsigned char* p = v.Bytes() + static_cast<std::ptrdiff_t>(y) * v.Stride();
+    for (int x = 0; x < 64; ++x, p += 4) {
+      if (p[3] == 0 || p[3] == 255) continue;
+      for (int c = 0; c < 3; ++c) p[c] = static_cast<unsigned char>(std::min(255, p[c] * 255 / p[3]));
+    }
+  }
+  SDL_Surface* sdl =
+      SDL_CreateRGBSurfaceWithFormatFrom(v.Bytes(), 64, 64, 32, v.Stride(), SDL_PIXELFORMAT_ARGB8888);
+  if (!sdl) return;
+  SDL_SetWindowIcon(it->second.window, sdl);
+  SDL_FreeSurface(sdl);
+}
+
+void SdlBackend::WorkArea(double& x, double& y, double& w, double& h) {
+  SDL_Rect r{0, 0, 1920, 1040};
+  SDL_GetDisplayUsableBounds(0, &r);
+  x = r.x, y = r.y, w = r.w, h = r.h;
 }
 
 void SdlBackend::FollowWindow(cfForm& form, SDL_Window* window) {

@@ -27,6 +27,9 @@ class SdlBackend : public UiBackend {
   void FormShown(cfForm& form) override;
   void FormClosed(cfForm& form) override;
   void Present(cfForm& form) override;
+  void FormMoved(cfForm& form) override;
+  void FormIconChanged(cfForm& form) override;
+  void WorkArea(double& x, double& y, double& w, double& h) override;
   void SetCursor(int cursor) override;
   void SetClipboardText(const std::string& text) override;
   std::string ClipboardText() override;

@@ -480,3 +480,60 @@ TEST(StockWidgets, TabAndAccessKeysMoveTheFocusAndTipsShowWhenTheMouseRests) {
   ui.Root().DoEvents();
   EXPECT_EQ(form.ToolTipWindow(), nullptr);
 }
+
+TEST(StockWidgets, FramelessFormsMoveByTheirTopMaximiseToTheWorkAreaAndShowABackgroundPicture) {
+  UiDriver ui;
+  SvgRenderer renderer;
+  ImageList images(renderer);
+  ASSERT_TRUE(images.AddFromBytes(ToBytes(R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 10 10">)"
+                                          R"(<rect width="10" height="10" fill="#0000ff"/></svg>)"),
+                                  "Blue", 16, 16));
+  ui.Root().setImages(&images);
+  Host form;
+  form.Move(100, 100, 200, 150);
+  form.Borderless = true;
+  form.DragRegionHeight = 30;
+  form.PictureKey = "Blue";
+  cwButton& close = form.Children().Add(std::make_unique<cwButton>(), "btnClose");
+  close.Move(170, 5, 20, 20);
+  form.Show();
+  EXPECT_EQ(PixelAt(ui.Screenshot(form), 100, 100), (Bgra{255, 0, 0, 255}));
+
+  auto mouse = [&](UiEvent::Type t, double x, double y) {
+    ui.Backend().Push({t, &form, t == UiEvent::Type::MouseMove ? 0 : Button::Left, 0, 0, x, y});
+    ui.Root().DoEvents();
+  };
+  // Dragging the top moves the window; the grabbed point stays under the mouse.
+  mouse(UiEvent::Type::MouseDown, 50, 10);
+  mouse(UiEvent::Type::MouseMove, 80, 30);
+  EXPECT_EQ(form.Left(), 130);
+  EXPECT_EQ(form.Top(), 120);
+  mouse(UiEvent::Type::MouseMove, 50, 10);  // the window came along, so this is no move
+  EXPECT_EQ(form.Left(), 130);
+  mouse(UiEvent::Type::MouseUp, 50, 10);
+  mouse(UiEvent::Type::MouseMove, 90, 10);
+  EXPECT_EQ(form.Left(), 130);
+  // Below the region, or on a widget in it, the form stays put.
+  mouse(UiEvent::Type::MouseDown, 50, 60);
+  mouse(UiEvent::Type::MouseMove, 90, 90);
+  mouse(UiEvent::Type::MouseUp, 90, 90);
+  ui.Click(close);
+  EXPECT_EQ(form.Left(), 130);
+  EXPECT_EQ(form.Top(), 120);
+
+  form.setZoom(2);
+  form.setState(cfForm::WindowState::Maximized);
+  double x, y, w, h;
+  ui.Backend().WorkArea(x, y, w, h);
+  EXPECT_EQ(form.Left(), x);
+  EXPECT_EQ(form.Width() * 2, w);
+  EXPECT_EQ(ui.Screenshot(form)->Height(), h);
+  mouse(UiEvent::Type::MouseDown, 50, 10);  // a maximised window is not dragged
+  mouse(UiEvent::Type::MouseMove, 90, 30);
+  mouse(UiEvent::Type::MouseUp, 90, 30);
+  EXPECT_EQ(form.Left(), x);
+  form.setState(cfForm::WindowState::Normal);
+  EXPECT_EQ(form.Left(), 130);
+  EXPECT_EQ(form.Width(), 200);
+  EXPECT_EQ(form.Height(), 150);
+}

@@ -15,7 +15,9 @@ namespace {
 
 // Paints a widget and, over it, its children, each clipped to itself and
 // with its own top-left corner at the origin.
-void PaintTree(Widget& w, DrawingContext& ctx) {
+// Only widgets that meet the area to paint (x0..x1, y0..y1, in the
+// widget's own units) are asked to paint.
+void PaintTree(Widget& w, DrawingContext& ctx, double x0, double y0, double x1, double y1) {
   ctx.Save();
   ctx.Rectangle(0, 0, w.Width(), w.Height());
   ctx.Clip();
@@ -23,9 +25,11 @@ void PaintTree(Widget& w, DrawingContext& ctx) {
   for (int i = 0; i < w.Children().Count(); ++i) {
     Widget& child = w.Children().Item(i);
     if (!child.Visible()) continue;
+    const double l = child.Left(), t = child.Top();
+    if (l >= x1 || t >= y1 || l + child.Width() <= x0 || t + child.Height() <= y0) continue;
     ctx.Save();
-    ctx.Translate(child.Left(), child.Top());
-    PaintTree(child, ctx);
+    ctx.Translate(l, t);
+    PaintTree(child, ctx, x0 - l, y0 - t, x1 - l, y1 - t);
     ctx.Restore();
   }
   ctx.Restore();
@@ -103,12 +107,32 @@ bool cfForm::Close() {
   return true;
 }
 
+void cfForm::Invalidate() {
+  dirty_ = true;
+  dirtyX0_ = dirtyY0_ = 0;
+  dirtyX1_ = dirtyY1_ = 1e9;
+}
+
+void cfForm::InvalidateRect(double x, double y, double w, double h) {
+  if (w <= 0 || h <= 0) return;
+  // Whole device pixels, a pixel wider for anti-aliased edges.
+  const double x0 = std::floor(x * zoom_) - 1, y0 = std::floor(y * zoom_) - 1;
+  const double x1 = std::ceil((x + w) * zoom_) + 1, y1 = std::ceil((y + h) * zoom_) + 1;
+  if (!dirty_) {
+    dirtyX0_ = x0, dirtyY0_ = y0, dirtyX1_ = x1, dirtyY1_ = y1;
+  } else {
+    dirtyX0_ = std::min(dirtyX0_, x0), dirtyY0_ = std::min(dirtyY0_, y0);
+    dirtyX1_ = std::max(dirtyX1_, x1), dirtyY1_ = std::max(dirtyY1_, y1);
+  }
+  dirty_ = true;
+}
+
 const SurfacePtr& cfForm::Surface() {
   const int w = std::max(1, static_cast<int>(std::lround(Width() * zoom_)));
   const int h = std::max(1, static_cast<int>(std::lround(Height() * zoom_)));
   if (!surface_ || surface_->Width() != w || surface_->Height() != h) {
     surface_ = DrawingSurface::Create(w, h);
-    dirty_ = true;
+    Invalidate();
   }
   if (dirty_) Paint();
   return surface_;
@@ -120,13 +144,22 @@ void cfForm::Paint() {
     return;
   }
   dirty_ = false;
+  const int x0 = static_cast<int>(std::clamp(dirtyX0_, 0.0, static_cast<double>(surface_->Width())));
+  const int y0 = static_cast<int>(std::clamp(dirtyY0_, 0.0, static_cast<double>(surface_->Height())));
+  const int x1 = static_cast<int>(std::clamp(dirtyX1_, 0.0, static_cast<double>(surface_->Width())));
+  const int y1 = static_cast<int>(std::clamp(dirtyY1_, 0.0, static_cast<double>(surface_->Height())));
+  lastPainted_ = {x0, y0, x1 - x0, y1 - y0};
+  if (x1 <= x0 || y1 <= y0) return;
   DrawingContext ctx(surface_);
+  ctx.Rectangle(x0, y0, x1 - x0, y1 - y0);
+  ctx.Clip();
   ctx.Scale(zoom_, zoom_);
   ctx.SetSourceColor(BackColor);
   ctx.Paint();
   if (!PictureKey.empty()) DrawPicture(ctx, PictureKey, 0, 0, Width(), Height());
   // A widget that fails to paint must not take the window with it.
-  RunHandler(TypeName() + ":W_Paint", HandlerMode::Silent, [&] { PaintTree(*this, ctx); });
+  RunHandler(TypeName() + ":W_Paint", HandlerMode::Silent,
+             [&] { PaintTree(*this, ctx, x0 / zoom_, y0 / zoom_, x1 / zoom_, y1 / zoom_); });
 }
 
 Widget& cfForm::HitTest(double x, double y) {

@@ -50,8 +50,15 @@ class cfForm : public Widget {
   // The picture of the form in device pixels, painted when dirty.
   const SurfacePtr& Surface();
   bool Dirty() const { return dirty_; }
-  void Invalidate() { dirty_ = true; }
+  // All of it, or a rectangle in logical units of the form, is to be painted again.
+  void Invalidate();
+  void InvalidateRect(double x, double y, double w, double h);
   void Paint();
+  // The device rectangle the last Paint changed, for the backend to upload.
+  struct DeviceRect {
+    int x = 0, y = 0, w = 0, h = 0;
+  };
+  DeviceRect LastPainted() const { return lastPainted_; }
 
   // Input in device pixels of the form, as the backend delivers it.
   void MouseDown(int button, int shift, double x, double y);
@@ -98,6 +105,8 @@ class cfForm : public Widget {
   double zoom_ = 1;
   SurfacePtr surface_;
   bool dirty_ = true;
+  double dirtyX0_ = 0, dirtyY0_ = 0, dirtyX1_ = 1e9, dirtyY1_ = 1e9;  // device pixels
+  DeviceRect lastPainted_;
   bool showing_ = false;
   bool modal_ = false;
   bool disabledByModal_ = false;

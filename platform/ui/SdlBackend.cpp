@@ -223,18 +223,23 @@ void SdlBackend::Present(cfForm& form) {
   if (it == windows_.end()) return;
   Window& w = it->second;
   const SurfacePtr& surface = form.Surface();
+  cfForm::DeviceRect changed = form.LastPainted();
   if (surface->Width() != w.w || surface->Height() != w.h) {
     SDL_DestroyTexture(w.texture);
     w.w = surface->Width(), w.h = surface->Height();
     SDL_SetWindowSize(w.window, w.w, w.h);
     w.texture =
         SDL_CreateTexture(w.renderer, SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STREAMING, w.w, w.h);
+    changed = {0, 0, w.w, w.h};
   }
-  {
-    // cairo's ARGB32 is SDL's ARGB8888 on this byte order; the form is
-    // opaque, so premultiplying changes nothing.
+  if (changed.w > 0 && changed.h > 0) {
+    // Only what was painted goes up. cairo's ARGB32 is SDL's ARGB8888 on
+    // this byte order; the form is opaque, so premultiplying changes nothing.
     const PixelView v = surface->Pixels();
-    SDL_UpdateTexture(w.texture, nullptr, v.Bytes(), v.Stride());
+    const SDL_Rect rect{changed.x, changed.y, changed.w, changed.h};
+    SDL_UpdateTexture(w.texture, &rect,
+                      v.Bytes() + static_cast<std::ptrdiff_t>(changed.y) * v.Stride() + changed.x * 4,
+                      v.Stride());
   }
   SDL_RenderCopy(w.renderer, w.texture, nullptr, nullptr);
   SDL_RenderPresent(w.renderer);

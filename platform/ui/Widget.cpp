@@ -88,7 +88,15 @@ bool Widget::EnabledInTree() const {
 
 void Widget::Refresh() {
   if (refreshLocked_) return;
-  if (cfForm* form = Form()) form->Invalidate();
+  cfForm* form = Form();
+  if (!form) return;
+  if (form == this) {
+    form->Invalidate();
+    return;
+  }
+  double x, y;
+  FormPosition(x, y);
+  form->InvalidateRect(x, y, Width(), Height());
 }
 
 void Widget::SetFocus() {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/DrawingContext.h"
+#include "platform/DrawingSurface.h"
 #include "platform/Error.h"
 #include "platform/ui/Form.h"
 #include "platform/ui/PlatformRoot.h"
@@ -15,8 +16,10 @@ struct Probe : Widget {
   std::int64_t colour;
   bool takes;
   std::vector<std::string> log;
+  int paints = 0;
   Probe(std::int64_t c, bool takesMouse = true) : Widget("Probe"), colour(c), takes(takesMouse) {}
   void W_Paint(DrawingContext& ctx, double w, double h) override {
+    ++paints;
     ctx.SetSourceColor(colour);
     ctx.Rectangle(0, 0, w, h);
     ctx.Fill();
@@ -98,6 +101,40 @@ TEST_F(Ui, ChildrenPaintClippedToTheirParentsAndScaleWithTheZoom) {
   panel->setVisible(false);
   root.DoEvents();
   EXPECT_EQ(PixelAt(form.Surface(), 90, 70), (Bgra{255, 255, 255, 255}));
+}
+
+TEST_F(Ui, ARefreshRepaintsOnlyTheWidgetsItsAreaMeetsAndTheResultIsTheWhole) {
+  Probe& other = form.Children().Add(std::make_unique<Probe>(0x00FF00), "other");
+  other.Move(85, 5, 10, 10);
+  root.DoEvents();
+  panel->paints = child->paints = other.paints = 0;
+
+  child->colour = 0x00FFFF;
+  child->Refresh();
+  root.DoEvents();
+  EXPECT_EQ(child->paints, 1);
+  EXPECT_EQ(panel->paints, 1);  // under the child
+  EXPECT_EQ(other.paints, 0);
+  const cfForm::DeviceRect r = form.LastPainted();
+  EXPECT_LE(r.x, 40);
+  EXPECT_LE(r.y, 30);
+  EXPECT_LE(r.x + r.w, 82);  // the child's area, a pixel to spare
+  EXPECT_LT(r.y + r.h, 75);
+  EXPECT_EQ(PixelAt(form.Surface(), 45, 35), (Bgra{0, 255, 255, 255}));
+
+  // What the partial painting left is what painting everything gives.
+  const SurfacePtr partial = DrawingSurface::Create(100, 80);
+  {
+    DrawingContext copy(partial);
+    copy.DrawSurface(form.Surface(), 0, 0, 100, 80, Filter::Fast);
+  }
+  form.Invalidate();
+  root.DoEvents();
+  EXPECT_EQ(other.paints, 1);
+  for (int y = 0; y < 80; ++y) {
+    for (int x = 0; x < 100; ++x)
+      ASSERT_EQ(PixelAt(partial, x, y), PixelAt(form.Surface(), x, y)) << x << "," << y;
+  }
 }
 
 TEST_F(Ui, MouseGoesToTheDeepestWidgetThenUpAndFollowsTheCapture) {

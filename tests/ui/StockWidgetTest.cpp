@@ -30,6 +30,14 @@ struct Host : cfForm {
   }
 };
 
+// A square picture of one colour in the image cache.
+bool AddPlainPicture(ImageList& images, const std::string& key, const std::string& colour) {
+  return images.AddFromBytes(ToBytes(R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 10 10">)"
+                                     R"(<rect width="10" height="10" fill=")" +
+                                     colour + R"("/></svg>)"),
+                             key, 16, 16);
+}
+
 }  // namespace
 
 TEST(StockWidgets, ButtonsClickByMouseAndKeyAndCheckableOnesToggle) {
@@ -73,9 +81,7 @@ TEST(StockWidgets, LabelsFramesAndImagesDrawAndAreMadeByName) {
   UiDriver ui;
   SvgRenderer renderer;
   ImageList images(renderer);
-  ASSERT_TRUE(images.AddFromBytes(ToBytes(R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 10 10">)"
-                                          R"(<rect width="10" height="10" fill="#00ff00"/></svg>)"),
-                                  "Green", 16, 16));
+  ASSERT_TRUE(AddPlainPicture(images, "Green", "#00ff00"));
   ui.Root().setImages(&images);
   cfForm form;
   form.Move(0, 0, 120, 80);
@@ -485,9 +491,7 @@ TEST(StockWidgets, FramelessFormsMoveByTheirTopMaximiseToTheWorkAreaAndShowABack
   UiDriver ui;
   SvgRenderer renderer;
   ImageList images(renderer);
-  ASSERT_TRUE(images.AddFromBytes(ToBytes(R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 10 10">)"
-                                          R"(<rect width="10" height="10" fill="#0000ff"/></svg>)"),
-                                  "Blue", 16, 16));
+  ASSERT_TRUE(AddPlainPicture(images, "Blue", "#0000ff"));
   ui.Root().setImages(&images);
   Host form;
   form.Move(100, 100, 200, 150);

@@ -15,12 +15,38 @@ constexpr double kRowHeight = 24;
 constexpr double kPictureSide = 16;
 }  // namespace
 
-// The pop-up form: one row per item, the hovered or keyed one lit.
+// The pop-up form: one row per item, the hovered or keyed one lit. An item
+// with items under it opens them in a pop-up of its own beside it.
 class MenuPopUp : public cfForm {
  public:
-  MenuPopUp(cwMenu& menu, std::vector<cwMenu::MenuItem> rows) : menu_(&menu), rows_(std::move(rows)) {
+  // Null when `root` has no items. The point is in screen pixels.
+  static std::shared_ptr<MenuPopUp> Open(cwMenu& menu, const std::string& root, MenuPopUp* parent, double x,
+                                         double y, double zoom) {
+    std::vector<cwMenu::MenuItem> rows;
+    for (const cwMenu::MenuItem* item : menu.ItemsUnder(root)) rows.push_back(*item);
+    if (rows.empty()) return nullptr;
+    // As wide as the longest caption needs.
+    double width = 120;
+    {
+      DrawingContext measure(DrawingSurface::Create(1, 1));
+      measure.SelectFont(kUiFont, kUiFontSize, 0);
+      for (const cwMenu::MenuItem& row : rows) {
+        width = std::max(width, measure.MeasureText(row.caption).width + kPictureSide + 40);
+      }
+    }
+    auto popup = std::make_shared<MenuPopUp>(menu, parent, std::move(rows));
+    popup->setZoom(zoom);
+    popup->Move(x, y, width, static_cast<double>(popup->rows_.size()) * kRowHeight);
+    popup->Show();
+    return popup;
+  }
+
+  MenuPopUp(cwMenu& menu, MenuPopUp* parent, std::vector<cwMenu::MenuItem> rows)
+      : menu_(&menu), parent_(parent), rows_(std::move(rows)) {
     PopUp = true;
+    OpenedFrom = parent;
     BackColor = StockColor(Palette::Face);
+    for (const cwMenu::MenuItem& row : rows_) hasItems_.push_back(!menu.ItemsUnder(row.key).empty());
   }
 
   void W_Paint(DrawingContext& ctx, double w, double) override {
@@ -35,8 +61,10 @@ class MenuPopUp : public cfForm {
                   kPictureSide);
       ctx.SelectFont(kUiFont, kUiFontSize,
                      rows_[i].enabled ? StockColor(Palette::Text) : StockColor(Palette::Disabled));
-      ctx.DrawText(kPictureSide + 10, top, w - kPictureSide - 16, kRowHeight, rows_[i].caption, true,
+      ctx.DrawText(kPictureSide + 10, top, w - kPictureSide - 26, kRowHeight, rows_[i].caption, true,
                    TextAlign::Left, TextAlign::Middle);
+      if (hasItems_[i])
+        ctx.DrawText(w - 18, top, 12, kRowHeight, "▸", true, TextAlign::Left, TextAlign::Middle);
     }
     ctx.SetSourceColor(StockColor(Palette::Border));
     ctx.SetLineWidth(1);
@@ -44,7 +72,14 @@ class MenuPopUp : public cfForm {
     ctx.Stroke();
   }
   bool W_MouseMove(int, int, double, double y) override {
-    Light(RowAt(y));
+    const int row = RowAt(y);
+    Light(row);
+    // Resting on an item with items opens them; on another, closes them.
+    if (row >= 0 && hasItems_[row] && rows_[row].enabled) {
+      OpenChild(row);
+    } else if (row >= 0) {
+      CloseChild();
+    }
     return true;
   }
   bool W_MouseUp(int button, int, double, double y) override {
@@ -53,8 +88,8 @@ class MenuPopUp : public cfForm {
   }
   void Form_KeyDown(int& keyCode, int) override {
     const int n = static_cast<int>(rows_.size());
-    if (keyCode == Key::Escape) {
-      Close();
+    if (keyCode == Key::Escape || (keyCode == Key::Left && parent_)) {
+      Close();  // a sub-menu goes back to its parent
     } else if ((keyCode == Key::Down || keyCode == Key::Up) && n > 0) {
       // Skip the disabled rows, wrapping round; stay put when all are.
       const int step = keyCode == Key::Down ? 1 : n - 1;
@@ -66,7 +101,7 @@ class MenuPopUp : public cfForm {
           break;
         }
       }
-    } else if (keyCode == Key::Return) {
+    } else if (keyCode == Key::Return || (keyCode == Key::Right && lit_ >= 0 && hasItems_[lit_])) {
       Choose(lit_);
     } else {
       return;
@@ -74,9 +109,15 @@ class MenuPopUp : public cfForm {
     keyCode = 0;
   }
   void Form_Unload() override {
-    if (menu_) menu_->PopupGone(chosen_);
+    CloseChild();
+    if (!parent_ && menu_) menu_->PopupGone(chosen_);
   }
-  void Detach() { menu_ = nullptr; }
+  // The menu is going: nobody to tell any more.
+  void Detach() {
+    menu_ = nullptr;
+    if (child_) child_->Detach();
+  }
+  MenuPopUp* Child() const { return child_.get(); }
 
  private:
   int RowAt(double y) const {
@@ -90,12 +131,39 @@ class MenuPopUp : public cfForm {
   }
   void Choose(int row) {
     if (row < 0 || !rows_[row].enabled) return;
-    chosen_ = rows_[row].key;
-    Close();
+    if (hasItems_[row]) {
+      OpenChild(row);
+      return;
+    }
+    // The choice is the whole menu's: its first pop-up closes, and with it the rest.
+    MenuPopUp* top = this;
+    while (top->parent_) top = top->parent_;
+    top->chosen_ = rows_[row].key;
+    top->Close();
+  }
+  void OpenChild(int row) {
+    if (childRow_ == row && child_ && child_->Showing()) return;
+    CloseChild();
+    if (!menu_) return;
+    child_ = Open(*menu_, rows_[row].key, this, Left() + Width() * Zoom() - 4,
+                  Top() + static_cast<double>(row) * kRowHeight * Zoom(), Zoom());
+    childRow_ = row;
+  }
+  void CloseChild() {
+    if (!child_) return;
+    child_->Close();
+    // Perhaps on its way through an event of its own.
+    if (PlatformRoot* root = PlatformRoot::Current()) root->DeferDelete(child_);
+    child_.reset();
+    childRow_ = -1;
   }
 
   cwMenu* menu_;
+  MenuPopUp* parent_;
   std::vector<cwMenu::MenuItem> rows_;
+  std::vector<bool> hasItems_;
+  std::shared_ptr<MenuPopUp> child_;
+  int childRow_ = -1;
   std::string chosen_;
   int lit_ = -1;
 };
@@ -134,31 +202,17 @@ std::vector<const cwMenu::MenuItem*> cwMenu::ItemsUnder(const std::string& root)
 
 void cwMenu::ShowPopup(const std::string& root, double x, double y) {
   ClosePopup();
-  std::vector<MenuItem> rows;
-  for (const MenuItem* item : ItemsUnder(root)) rows.push_back(*item);
-  if (rows.empty()) return;
-
-  // As wide as the longest caption needs.
-  double width = 120;
-  {
-    DrawingContext measure(DrawingSurface::Create(1, 1));
-    measure.SelectFont(kUiFont, kUiFontSize, 0);
-    for (const MenuItem& row : rows)
-      width = std::max(width, measure.MeasureText(row.caption).width + kPictureSide + 30);
-  }
-  const double height = static_cast<double>(rows.size()) * kRowHeight;
   if (popup_ && PlatformRoot::Current()) PlatformRoot::Current()->DeferDelete(popup_);
-  popup_ = std::make_shared<MenuPopUp>(*this, std::move(rows));
+  popup_.reset();
   const cfForm* owner = Form();
-  double ox = 0, oy = 0;
-  if (owner) {
-    ox = owner->Left();
-    oy = owner->Top();
-    popup_->setZoom(owner->Zoom());
-  }
+  const double zoom = owner ? owner->Zoom() : 1;
   // A form's place is in screen pixels; the point is in the owner's units.
-  popup_->Move(ox + x * popup_->Zoom(), oy + y * popup_->Zoom(), width, height);
-  popup_->Show();
+  popup_ = MenuPopUp::Open(*this, root, nullptr, (owner ? owner->Left() : 0) + x * zoom,
+                           (owner ? owner->Top() : 0) + y * zoom, zoom);
+}
+
+cfForm* cwMenu::SubPopupForm() const {
+  return popup_ ? static_cast<MenuPopUp&>(*popup_).Child() : nullptr;
 }
 
 bool cwMenu::IsOpen() const {

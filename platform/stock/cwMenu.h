@@ -1,7 +1,8 @@
 #pragma once
 // A pop-up menu. Items are keyed "root>item"; showing a root lists the
 // items directly under it in a pop-up form beside the owner, which closes
-// on a choice, on Escape, or on a click anywhere else.
+// on a choice, on Escape, or on a click anywhere else. An item with items
+// of its own ("root>item>sub") opens them beside it.
 
 #include <functional>
 #include <memory>
@@ -37,6 +38,8 @@ class cwMenu : public Widget {
   bool IsOpen() const;
   void ClosePopup();
   cfForm* PopupForm() const { return popup_.get(); }
+  // The items of an item of the pop-up, when open.
+  cfForm* SubPopupForm() const;
 
   // The chosen item's key; also bubbled as "Click" with the key.
   std::function<void(const std::string& key)> Click;

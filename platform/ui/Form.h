@@ -45,6 +45,9 @@ class cfForm : public Widget {
   bool Showing() const { return showing_; }
   // A pop-up closes when the mouse is pressed outside it, on another form.
   bool PopUp = false;
+  // The pop-up this one was opened from (a sub-menu's menu): a press in
+  // this one leaves that one open.
+  cfForm* OpenedFrom = nullptr;
   bool Modal() const { return modal_; }
 
   // The picture of the form in device pixels, painted when dirty.

@@ -106,9 +106,16 @@ void PlatformRoot::Dispatch(const UiEvent& e) {
   cfForm* f = e.form;
   if (!f || std::find(forms_.begin(), forms_.end(), f) == forms_.end()) return;  // a form that has gone
   if (e.type == UiEvent::Type::MouseDown) {
-    // A press anywhere else closes the pop-ups that are open.
+    // A press anywhere else closes the pop-ups that are open, but not those
+    // the pressed one was opened from.
+    const auto openedBefore = [f](const cfForm* other) {
+      for (const cfForm* p = f->OpenedFrom; p; p = p->OpenedFrom) {
+        if (p == other) return true;
+      }
+      return false;
+    };
     for (cfForm* other : std::vector<cfForm*>(forms_)) {
-      if (other != f && other->PopUp && other->Showing()) other->Close();
+      if (other != f && other->PopUp && other->Showing() && !openedBefore(other)) other->Close();
     }
   }
   if (e.type == UiEvent::Type::MouseUp && Dragging()) {

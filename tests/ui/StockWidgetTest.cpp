@@ -212,7 +212,9 @@ TEST(StockWidgets, MenusListTheirRootsItemsAndCloseOnAChoiceEscapeOrAClickElsewh
   menu.AddItem("File>Open", "Open…");
   menu.AddItem("File>Save", "Save", {}, false);
   menu.AddItem("File>Export", "Export");
-  menu.AddItem("File>Export>Png", "PNG");  // a level deeper: not on File's list
+  menu.AddItem("File>Export>Png", "PNG");  // a level deeper: on Export's own list
+  menu.AddItem("File>Export>Svg", "SVG");
+  menu.AddItem("File>Close", "Close");
   menu.AddItem("Edit>Undo", "Undo");
   std::vector<std::string> chosen;
   int gone = 0;
@@ -225,45 +227,69 @@ TEST(StockWidgets, MenusListTheirRootsItemsAndCloseOnAChoiceEscapeOrAClickElsewh
   cfForm& popup = *menu.PopupForm();
   EXPECT_EQ(popup.Left(), 110);
   EXPECT_EQ(popup.Top(), 70);
-  EXPECT_EQ(popup.Height(), 3 * 24);
-  auto clickRow = [&](int row) {
-    ui.Backend().Push({UiEvent::Type::MouseDown, &popup, Button::Left, 0, 0, 20, row * 24.0 + 12});
-    ui.Backend().Push({UiEvent::Type::MouseUp, &popup, Button::Left, 0, 0, 20, row * 24.0 + 12});
+  EXPECT_EQ(popup.Height(), 4 * 24);
+  auto clickRow = [&](cfForm& on, int row) {
+    ui.Backend().Push({UiEvent::Type::MouseDown, &on, Button::Left, 0, 0, 20, row * 24.0 + 12});
+    ui.Backend().Push({UiEvent::Type::MouseUp, &on, Button::Left, 0, 0, 20, row * 24.0 + 12});
     ui.Root().DoEvents();
   };
-  clickRow(1);  // disabled: the menu stays open
+  clickRow(popup, 1);  // disabled: the menu stays open
   EXPECT_TRUE(menu.IsOpen());
   EXPECT_TRUE(chosen.empty());
-  clickRow(2);
+  clickRow(popup, 3);
   EXPECT_FALSE(menu.IsOpen());
-  EXPECT_EQ(chosen, std::vector<std::string>{"File>Export"});
+  EXPECT_EQ(chosen, std::vector<std::string>{"File>Close"});
   EXPECT_EQ(gone, 1);
   EXPECT_EQ(form.events, (std::vector<std::string>{"mnu:Click", "mnu:MenuDestroyed"}));
 
-  // Keys: Down skips the disabled row, Return chooses.
+  // An item with items opens them beside it; a press there keeps both open
+  // until the choice, which closes everything and is told once.
+  menu.ShowPopup("File", 10, 20);
+  clickRow(*menu.PopupForm(), 2);
+  ASSERT_NE(menu.SubPopupForm(), nullptr);
+  cfForm& sub = *menu.SubPopupForm();
+  EXPECT_EQ(sub.Height(), 2 * 24);
+  EXPECT_EQ(sub.Top(), 70 + 2 * 24);
+  EXPECT_GT(sub.Left(), 110 + 100);
+  clickRow(sub, 1);
+  EXPECT_FALSE(menu.IsOpen());
+  EXPECT_EQ(ui.Root().Forms().size(), 1u);  // the sub-menu went too
+  EXPECT_EQ(chosen.back(), "File>Export>Svg");
+  EXPECT_EQ(gone, 2);
+
+  // Keys: Down skips the disabled row, Right opens the sub-menu, Left goes
+  // back, Return chooses.
   menu.ShowPopup("File", 0, 0);
   ui.Press(*menu.PopupForm(), Key::Down);
   ui.Press(*menu.PopupForm(), Key::Down);
+  ui.Press(*menu.PopupForm(), Key::Right);
+  ASSERT_NE(menu.SubPopupForm(), nullptr);
+  ui.Press(*menu.SubPopupForm(), Key::Left);
+  EXPECT_FALSE(menu.SubPopupForm() && menu.SubPopupForm()->Showing());
+  EXPECT_TRUE(menu.IsOpen());
+  ui.Press(*menu.PopupForm(), Key::Down);
   ui.Press(*menu.PopupForm(), Key::Return);
-  EXPECT_EQ(chosen.back(), "File>Export");
+  EXPECT_EQ(chosen.back(), "File>Close");
   // Escape, and a click on the owner, close without a choice.
   menu.ShowPopup("Edit", 0, 0);
   ui.Press(*menu.PopupForm(), Key::Escape);
   EXPECT_FALSE(menu.IsOpen());
-  menu.ShowPopup("Edit", 0, 0);
+  menu.ShowPopup("File", 0, 0);
+  clickRow(*menu.PopupForm(), 2);
   ui.Click(form);
   EXPECT_FALSE(menu.IsOpen());
-  EXPECT_EQ(chosen.size(), 2u);
-  EXPECT_EQ(gone, 4);
+  EXPECT_EQ(chosen.size(), 3u);
+  EXPECT_EQ(gone, 5);
   // A root with no items opens nothing.
   menu.ShowPopup("View", 0, 0);
   EXPECT_FALSE(menu.IsOpen());
 
-  // The menu going while open takes its pop-up with it, quietly.
-  menu.ShowPopup("Edit", 0, 0);
+  // The menu going while open takes its pop-ups with it, quietly.
+  menu.ShowPopup("File", 0, 0);
+  clickRow(*menu.PopupForm(), 2);
   form.Children().Remove("mnu");
   ui.Root().DoEvents();
-  EXPECT_EQ(gone, 4);
+  EXPECT_EQ(gone, 5);
 }
 
 TEST(StockWidgets, ADropDownShowsItsContentUnderItselfAndTogglesOnItsBox) {

@@ -56,6 +56,9 @@ DemoWidgetsForm::DemoWidgetsForm() {
   menu.AddItem("Demo>Open", "Open…", "Logo");
   menu.AddItem("Demo>Save", "Save", {}, false);
   menu.AddItem("Demo>Close", "Close");
+  menu.AddItem("Demo>Export", "Export");
+  menu.AddItem("Demo>Export>Png", "PNG");
+  menu.AddItem("Demo>Export>Ico", "ICO");
   auto& more = static_cast<cwButton&>(Children().Add(CreateWidget("cwButton"), "btnMenu"));
   more.Caption = "Menu";
   more.Move(230, 130, 110, 26);

@@ -185,6 +185,7 @@ class ToolTipForm : public cfForm {
   explicit ToolTipForm(const std::string& text) {
     Caption = text;
     PopUp = true;
+    TakesKeyboard = false;
     BackColor = StockColor(Palette::Face);
   }
   void W_Paint(DrawingContext& ctx, double w, double h) override {

@@ -48,6 +48,8 @@ class cfForm : public Widget {
   // The pop-up this one was opened from (a sub-menu's menu): a press in
   // this one leaves that one open.
   cfForm* OpenedFrom = nullptr;
+  // While open, a pop-up takes the keys typed in any window; a tip does not.
+  bool TakesKeyboard = true;
   bool Modal() const { return modal_; }
 
   // The picture of the form in device pixels, painted when dirty.

@@ -105,6 +105,17 @@ void PlatformRoot::Dispatch(const UiEvent& e) {
   ++eventNumber_;
   cfForm* f = e.form;
   if (!f || std::find(forms_.begin(), forms_.end(), f) == forms_.end()) return;  // a form that has gone
+  if (e.type == UiEvent::Type::KeyDown || e.type == UiEvent::Type::KeyUp ||
+      e.type == UiEvent::Type::KeyPress) {
+    // An open pop-up has the keyboard, though the window system gives it to
+    // the window under it; the newest one, as sub-menus open last.
+    for (auto it = forms_.rbegin(); it != forms_.rend(); ++it) {
+      if ((*it)->PopUp && (*it)->TakesKeyboard && (*it)->Showing()) {
+        f = *it;
+        break;
+      }
+    }
+  }
   if (e.type == UiEvent::Type::MouseDown) {
     // A press anywhere else closes the pop-ups that are open, but not those
     // the pressed one was opened from.

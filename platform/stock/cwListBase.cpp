@@ -4,11 +4,30 @@
 
 #include "platform/DrawingContext.h"
 #include "platform/stock/StockDrawing.h"
+#include "platform/stock/cwScrollBar.h"
 
 namespace qds {
 
+constexpr double kBarWidth = 16;
+
 cwListBase::cwListBase(std::string typeName) : Widget(std::move(typeName)) {
   CanFocus = true;
+  bar_ = &Children().Add(std::make_unique<cwVScrollBar>(), "vsbRows");
+  bar_->setVisible(false);
+  bar_->Change = [this] {
+    if (top_ == bar_->Value()) return;
+    top_ = bar_->Value();
+    Refresh();
+  };
+}
+
+void cwListBase::Layout() {
+  const int hidden = ListCount() - RowsShown();
+  bar_->Max = std::max(0, hidden);
+  bar_->LargeChange = RowsShown();
+  bar_->Move(Width() - kBarWidth, 0, kBarWidth, Height());
+  bar_->setVisible(hidden > 0);
+  bar_->setValue(top_);
 }
 
 void cwListBase::SetRows(std::vector<Row> rows, int selected) {
@@ -16,6 +35,7 @@ void cwListBase::SetRows(std::vector<Row> rows, int selected) {
   index_ = selected < ListCount() ? selected : -1;
   top_ = 0;
   if (index_ >= 0) ScrollTo(index_);
+  Layout();
   Refresh();
 }
 
@@ -35,11 +55,13 @@ void cwListBase::ScrollTo(int index) {
   if (index < top_) top_ = index;
   if (index >= top_ + RowsShown()) top_ = index - RowsShown() + 1;
   top_ = std::clamp(top_, 0, std::max(0, ListCount() - RowsShown()));
+  bar_->setValue(top_);
 }
 
 void cwListBase::W_Paint(DrawingContext& ctx, double w, double h) {
   ctx.SetSourceColor(StockColor(Palette::Face));
   ctx.Paint();
+  if (bar_->Visible()) w -= kBarWidth;
   for (int i = top_; i < ListCount() && (i - top_) * RowHeight < h; ++i) {
     const double y = (i - top_) * RowHeight;
     if (i == index_) {
@@ -85,6 +107,7 @@ bool cwListBase::W_DblClick(int button, int, double, double y) {
 
 bool cwListBase::W_MouseWheel(int delta, int, double, double) {
   top_ = std::clamp(top_ - delta * 3, 0, std::max(0, ListCount() - RowsShown()));
+  bar_->setValue(top_);
   Refresh();
   return true;
 }

@@ -9,9 +9,12 @@
 
 namespace qds {
 
+class cwScrollBar;
+
 class cwListBase : public Widget {
  public:
   explicit cwListBase(std::string typeName);
+  void W_Resize() override { Layout(); }
   int ListCount() const { return static_cast<int>(rows_.size()); }
   const std::string& List(int index) const { return rows_.at(index).text; }
   int ListIndex() const { return index_; }
@@ -43,9 +46,12 @@ class cwListBase : public Widget {
  private:
   int RowsShown() const;
   void ScrollTo(int index);
+  // Shows the scroll bar when the rows do not fit, and keeps it on top_.
+  void Layout();
   std::vector<Row> rows_;
   int index_ = -1;
   int top_ = 0;
+  cwScrollBar* bar_;
 };
 
 }  // namespace qds

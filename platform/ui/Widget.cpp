@@ -45,8 +45,10 @@ cfForm* Widget::Form() const {
 
 void Widget::Move(double left, double top, double width, double height) {
   Refresh();
+  const bool resized = width != width_ || height != height_;
   left_ = left, top_ = top, width_ = width, height_ = height;
   Refresh();
+  if (resized) RunHandler(typeName_ + ":W_Resize", HandlerMode::Report, [&] { W_Resize(); });
 }
 
 void Widget::FormPosition(double& x, double& y) const {

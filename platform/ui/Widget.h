@@ -121,6 +121,8 @@ class Widget {
   virtual bool W_MouseUp(int button, int shift, double x, double y) { return Ignore(button, shift, x, y); }
   virtual bool W_DblClick(int button, int shift, double x, double y) { return Ignore(button, shift, x, y); }
   virtual bool W_MouseWheel(int delta, int shift, double x, double y) { return Ignore(delta, shift, x, y); }
+  // The widget's size changed (by Move), so it may lay out its children.
+  virtual void W_Resize() {}
   virtual void W_MouseEnter() {}
   virtual void W_MouseLeave() {}
   // Key handlers may change or clear (0) the code they are given.

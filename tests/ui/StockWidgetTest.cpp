@@ -568,3 +568,37 @@ TEST(StockWidgets, FramelessFormsMoveByTheirTopMaximiseToTheWorkAreaAndShowABack
   EXPECT_EQ(form.Width(), 200);
   EXPECT_EQ(form.Height(), 150);
 }
+
+TEST(StockWidgets, ListsShowAScrollBarOnlyWhenTheirRowsDoNotFitAndFollowIt) {
+  UiDriver ui;
+  Host form;
+  form.Move(0, 0, 200, 100);
+  auto& tree = static_cast<cwTree&>(form.Children().Add(CreateWidget("cwTree"), "tre"));
+  tree.Move(0, 0, 200, 100);  // five rows of 20
+  std::vector<TreeNode> nodes;
+  for (int i = 0; i < 3; ++i) nodes.push_back({"n" + std::to_string(i), "Node " + std::to_string(i), {}, {}});
+  tree.setNodes(nodes);
+  form.Show();
+  auto& bar = static_cast<cwScrollBar&>(tree.Children().Item("vsbRows"));
+  EXPECT_FALSE(bar.Visible());
+
+  for (int i = 3; i < 12; ++i)
+    nodes.push_back({"n" + std::to_string(i), "Node " + std::to_string(i), {}, {}});
+  tree.setNodes(nodes);
+  ASSERT_TRUE(bar.Visible());
+  EXPECT_EQ(bar.Max, 12 - 5);
+  EXPECT_EQ(bar.Left(), 200 - 16);
+  // The bar's down arrow scrolls the rows; the keys scroll the bar.
+  ui.Backend().Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 192, 95});
+  ui.Backend().Push({UiEvent::Type::MouseUp, &form, Button::Left, 0, 0, 192, 95});
+  ui.Root().DoEvents();
+  EXPECT_EQ(tree.TopIndex(), 1);
+  tree.SetFocus();
+  ui.Press(form, Key::End);
+  EXPECT_EQ(tree.SelectedKey(), "n11");
+  EXPECT_EQ(bar.Value(), 7);
+  // A taller list has room for all, and the bar goes.
+  tree.Move(0, 0, 200, 300);
+  EXPECT_FALSE(bar.Visible());
+  EXPECT_EQ(tree.TopIndex(), 0);
+}

@@ -23,6 +23,20 @@ class UiDriver {
     Push(qds::UiEvent::Type::MouseUp, *w.Form(), button, shift, 0, x, y);
     root_.DoEvents();
   }
+  // One mouse event at a device point of the form; presses use the left button.
+  void Mouse(qds::cfForm& form, qds::UiEvent::Type t, double x, double y) {
+    Push(t, form, t == qds::UiEvent::Type::MouseMove ? 0 : qds::Button::Left, 0, 0, x, y);
+    root_.DoEvents();
+  }
+  void ClickAt(qds::cfForm& form, double x, double y) {
+    Push(qds::UiEvent::Type::MouseDown, form, qds::Button::Left, 0, 0, x, y);
+    Push(qds::UiEvent::Type::MouseUp, form, qds::Button::Left, 0, 0, x, y);
+    root_.DoEvents();
+  }
+  void Wheel(qds::cfForm& form, int delta, double x, double y) {
+    Push(qds::UiEvent::Type::Wheel, form, delta, 0, 0, x, y);
+    root_.DoEvents();
+  }
   void Press(qds::cfForm& form, int keyCode, int shift = 0) {
     Push(qds::UiEvent::Type::KeyDown, form, 0, shift, keyCode, 0, 0);
     Push(qds::UiEvent::Type::KeyUp, form, 0, shift, keyCode, 0, 0);

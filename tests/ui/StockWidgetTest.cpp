@@ -67,9 +67,8 @@ TEST(StockWidgets, ButtonsClickByMouseAndKeyAndCheckableOnesToggle) {
             (std::vector<std::string>{"btnOk:Click", "btnOk:Click", "chkRuler:Click", "chkRuler:Click"}));
 
   // Pressing, then letting go elsewhere, is no click.
-  ui.Backend().Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 20, 20});
-  ui.Backend().Push({UiEvent::Type::MouseUp, &form, Button::Left, 0, 0, 150, 90});
-  ui.Root().DoEvents();
+  ui.Mouse(form, UiEvent::Type::MouseDown, 20, 20);
+  ui.Mouse(form, UiEvent::Type::MouseUp, 150, 90);
   EXPECT_EQ(clicks, 2);
   // A disabled button takes nothing.
   ok.setEnabled(false);
@@ -127,9 +126,7 @@ TEST(StockWidgets, TheDemonstrationFormWorksWithoutADisplay) {
   auto& menu = static_cast<cwMenu&>(form.Children().Item("mnuDemo"));
   ASSERT_TRUE(menu.IsOpen());
   cfForm& popup = *menu.PopupForm();
-  ui.Backend().Push({UiEvent::Type::MouseDown, &popup, Button::Left, 0, 0, 30, 2 * 24 + 12});
-  ui.Backend().Push({UiEvent::Type::MouseUp, &popup, Button::Left, 0, 0, 30, 2 * 24 + 12});
-  ui.Root().DoEvents();
+  ui.ClickAt(popup, 30, 2 * 24 + 12);
   EXPECT_EQ(status.Caption, "Chosen: Demo>Close");
 }
 
@@ -142,14 +139,8 @@ TEST(StockWidgets, ScrollBarsMoveByArrowTrackThumbAndWheelWithinTheirRange) {
   int changes = 0;
   bar.Change = [&] { ++changes; };
   form.Show();
-  auto mouse = [&](UiEvent::Type t, double y) {
-    ui.Backend().Push({t, &form, Button::Left, 0, 0, 18, y});
-    ui.Root().DoEvents();
-  };
-  auto click = [&](double y) {
-    mouse(UiEvent::Type::MouseDown, y);
-    mouse(UiEvent::Type::MouseUp, y);
-  };
+  auto mouse = [&](UiEvent::Type t, double y) { ui.Mouse(form, t, 18, y); };
+  auto click = [&](double y) { ui.ClickAt(form, 18, y); };
 
   click(15);  // the up arrow at the top goes nowhere
   EXPECT_EQ(bar.Value(), 0);
@@ -176,8 +167,7 @@ TEST(StockWidgets, ScrollBarsMoveByArrowTrackThumbAndWheelWithinTheirRange) {
   EXPECT_EQ(bar.Value(), 100);
 
   // The wheel rolls three small steps at a time, never below Min.
-  ui.Backend().Push({UiEvent::Type::Wheel, &form, 1, 0, 0, 18, 100});
-  ui.Root().DoEvents();
+  ui.Wheel(form, 1, 18, 100);
   EXPECT_EQ(bar.Value(), 97);
   bar.setValue(-5);
   EXPECT_EQ(bar.Value(), 0);
@@ -228,11 +218,7 @@ TEST(StockWidgets, MenusListTheirRootsItemsAndCloseOnAChoiceEscapeOrAClickElsewh
   EXPECT_EQ(popup.Left(), 110);
   EXPECT_EQ(popup.Top(), 70);
   EXPECT_EQ(popup.Height(), 4 * 24);
-  auto clickRow = [&](cfForm& on, int row) {
-    ui.Backend().Push({UiEvent::Type::MouseDown, &on, Button::Left, 0, 0, 20, row * 24.0 + 12});
-    ui.Backend().Push({UiEvent::Type::MouseUp, &on, Button::Left, 0, 0, 20, row * 24.0 + 12});
-    ui.Root().DoEvents();
-  };
+  auto clickRow = [&](cfForm& on, int row) { ui.ClickAt(on, 20, row * 24.0 + 12); };
   clickRow(popup, 1);  // disabled: the menu stays open
   EXPECT_TRUE(menu.IsOpen());
   EXPECT_TRUE(chosen.empty());
@@ -360,8 +346,7 @@ TEST(StockWidgets, FolderAndFileListsShowRealFoldersFilteredAndFollowRescan) {
   EXPECT_EQ(dirs.Path(), root.string());
 
   // A double click goes into a folder; Return on the row above goes back up.
-  ui.Backend().Push({UiEvent::Type::DblClick, &form, Button::Left, 0, 0, 50, (depth + 2) * 20.0 + 10});
-  ui.Root().DoEvents();
+  ui.Mouse(form, UiEvent::Type::DblClick, 50, (depth + 2) * 20.0 + 10);
   EXPECT_EQ(dirs.Path(), (root / "b").string());
   EXPECT_EQ(dirs.List(dirs.ListCount() - 1), "inner");
   dirs.SetFocus();
@@ -377,8 +362,7 @@ TEST(StockWidgets, FolderAndFileListsShowRealFoldersFilteredAndFollowRescan) {
   EXPECT_EQ(files.List(1), "two.png");
   ui.Click(files);  // below the rows: nothing chosen
   EXPECT_EQ(files.FileName(), "");
-  ui.Backend().Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 250, 30});
-  ui.Root().DoEvents();
+  ui.Mouse(form, UiEvent::Type::MouseDown, 250, 30);
   EXPECT_EQ(files.FileName(), "two.png");
   // A new file shows after a rescan, keeping the selection.
   std::ofstream(root / "a.svg") << "x";
@@ -408,13 +392,11 @@ TEST(StockWidgets, TreesExpandSelectKeepStateAcrossNewDataAndLetTheOwnerDraw) {
   EXPECT_EQ(tree.ListCount(), 2);
   EXPECT_EQ(tree.Node("styles")->values.at(0).AsLong(), 3);
 
-  ui.Backend().Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 8, 10});  // the expander of Styles
-  ui.Root().DoEvents();
+  ui.Mouse(form, UiEvent::Type::MouseDown, 8, 10);  // the expander of Styles
   EXPECT_EQ(tree.ListCount(), 4);
   EXPECT_EQ(tree.List(1), "Line");
   EXPECT_EQ(tree.SelectedKey(), "");  // opening is not choosing
-  ui.Backend().Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 80, 50});
-  ui.Root().DoEvents();
+  ui.Mouse(form, UiEvent::Type::MouseDown, 80, 50);
   EXPECT_EQ(tree.SelectedKey(), "solid");
 
   // New data keeps what was open and chosen.
@@ -488,8 +470,7 @@ TEST(StockWidgets, TabAndAccessKeysMoveTheFocusAndTipsShowWhenTheMouseRests) {
   EXPECT_EQ(ShownCaption("Salt && &Pepper"), "Salt & Pepper");
 
   // The tip comes when the mouse has rested, under it, and goes when it moves on.
-  ui.Backend().Push({UiEvent::Type::MouseMove, &form, 0, 0, 0, 140, 20});
-  ui.Root().DoEvents();
+  ui.Mouse(form, UiEvent::Type::MouseMove, 140, 20);
   EXPECT_EQ(form.ToolTipWindow(), nullptr);
   ui.Backend().AdvanceMs(cfForm::kToolTipDelayMs + 10);
   ui.Root().DoEvents();
@@ -498,17 +479,14 @@ TEST(StockWidgets, TabAndAccessKeysMoveTheFocusAndTipsShowWhenTheMouseRests) {
   EXPECT_EQ(form.ToolTipWindow()->Caption, "Save the design");
   EXPECT_EQ(form.ToolTipWindow()->Left(), 50 + 140);
   EXPECT_GT(form.ToolTipWindow()->Top(), 40 + 20);
-  ui.Backend().Push({UiEvent::Type::MouseMove, &form, 0, 0, 0, 40, 20});
-  ui.Root().DoEvents();
+  ui.Mouse(form, UiEvent::Type::MouseMove, 40, 20);
   EXPECT_EQ(form.ToolTipWindow(), nullptr);
   ui.Backend().AdvanceMs(cfForm::kToolTipDelayMs * 3);
   ui.Root().DoEvents();
   EXPECT_EQ(form.ToolTipWindow(), nullptr);  // the first button has no tip
   // A press before the delay is over cancels it.
-  ui.Backend().Push({UiEvent::Type::MouseMove, &form, 0, 0, 0, 140, 20});
-  ui.Backend().Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 140, 20});
-  ui.Backend().Push({UiEvent::Type::MouseUp, &form, Button::Left, 0, 0, 140, 20});
-  ui.Root().DoEvents();
+  ui.Mouse(form, UiEvent::Type::MouseMove, 140, 20);
+  ui.ClickAt(form, 140, 20);
   ui.Backend().AdvanceMs(cfForm::kToolTipDelayMs + 10);
   ui.Root().DoEvents();
   EXPECT_EQ(form.ToolTipWindow(), nullptr);
@@ -530,10 +508,7 @@ TEST(StockWidgets, FramelessFormsMoveByTheirTopMaximiseToTheWorkAreaAndShowABack
   form.Show();
   EXPECT_EQ(PixelAt(ui.Screenshot(form), 100, 100), (Bgra{255, 0, 0, 255}));
 
-  auto mouse = [&](UiEvent::Type t, double x, double y) {
-    ui.Backend().Push({t, &form, t == UiEvent::Type::MouseMove ? 0 : Button::Left, 0, 0, x, y});
-    ui.Root().DoEvents();
-  };
+  auto mouse = [&](UiEvent::Type t, double x, double y) { ui.Mouse(form, t, x, y); };
   // Dragging the top moves the window; the grabbed point stays under the mouse.
   mouse(UiEvent::Type::MouseDown, 50, 10);
   mouse(UiEvent::Type::MouseMove, 80, 30);
@@ -589,9 +564,7 @@ TEST(StockWidgets, ListsShowAScrollBarOnlyWhenTheirRowsDoNotFitAndFollowIt) {
   EXPECT_EQ(bar.Max, 12 - 5);
   EXPECT_EQ(bar.Left(), 200 - 16);
   // The bar's down arrow scrolls the rows; the keys scroll the bar.
-  ui.Backend().Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 192, 95});
-  ui.Backend().Push({UiEvent::Type::MouseUp, &form, Button::Left, 0, 0, 192, 95});
-  ui.Root().DoEvents();
+  ui.ClickAt(form, 192, 95);
   EXPECT_EQ(tree.TopIndex(), 1);
   tree.SetFocus();
   ui.Press(form, Key::End);

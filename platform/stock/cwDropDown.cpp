@@ -33,9 +33,7 @@ cwDropDown::cwDropDown() : Widget("cwDropDown"), popup_(std::make_shared<DropDow
 
 cwDropDown::~cwDropDown() {
   static_cast<DropDownPopUp&>(*popup_).Detach();
-  popup_->Close();
-  // Perhaps destroyed from inside the pop-up's own handler: let it finish.
-  if (PlatformRoot* root = PlatformRoot::Current()) root->DeferDelete(popup_);
+  DisposeForm(std::move(popup_));
 }
 
 Widget& cwDropDown::setContent(std::unique_ptr<Widget> content) {

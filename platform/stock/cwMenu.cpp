@@ -6,7 +6,6 @@
 #include "platform/DrawingSurface.h"
 #include "platform/stock/StockDrawing.h"
 #include "platform/ui/Form.h"
-#include "platform/ui/PlatformRoot.h"
 
 namespace qds {
 
@@ -150,11 +149,7 @@ class MenuPopUp : public cfForm {
     childRow_ = row;
   }
   void CloseChild() {
-    if (!child_) return;
-    child_->Close();
-    // Perhaps on its way through an event of its own.
-    if (PlatformRoot* root = PlatformRoot::Current()) root->DeferDelete(child_);
-    child_.reset();
+    DisposeForm(std::move(child_));
     childRow_ = -1;
   }
 
@@ -169,12 +164,8 @@ class MenuPopUp : public cfForm {
 };
 
 cwMenu::~cwMenu() {
-  if (popup_) {
-    // Destroyed from inside the pop-up's own handler, perhaps: let it finish.
-    static_cast<MenuPopUp&>(*popup_).Detach();
-    popup_->Close();
-    if (PlatformRoot* root = PlatformRoot::Current()) root->DeferDelete(popup_);
-  }
+  if (popup_) static_cast<MenuPopUp&>(*popup_).Detach();
+  DisposeForm(std::move(popup_));
 }
 
 void cwMenu::AddItem(const std::string& key, const std::string& caption, const std::string& pictureKey,
@@ -201,9 +192,7 @@ std::vector<const cwMenu::MenuItem*> cwMenu::ItemsUnder(const std::string& root)
 }
 
 void cwMenu::ShowPopup(const std::string& root, double x, double y) {
-  ClosePopup();
-  if (popup_ && PlatformRoot::Current()) PlatformRoot::Current()->DeferDelete(popup_);
-  popup_.reset();
+  DisposeForm(std::move(popup_));
   const cfForm* owner = Form();
   const double zoom = owner ? owner->Zoom() : 1;
   // A form's place is in screen pixels; the point is in the owner's units.

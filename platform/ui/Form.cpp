@@ -213,12 +213,13 @@ void cfForm::ShowToolTip() {
 void cfForm::HideToolTip() {
   if (PlatformRoot* root = PlatformRoot::Current(); root && tipTimer_) root->KillTimer(tipTimer_);
   tipTimer_ = 0;
-  if (tip_) {
-    tip_->Close();
-    // Perhaps on its way through an event of its own.
-    if (PlatformRoot* root = PlatformRoot::Current()) root->DeferDelete(tip_);
-    tip_.reset();
-  }
+  DisposeForm(std::move(tip_));
+}
+
+void DisposeForm(std::shared_ptr<cfForm> form) {
+  if (!form) return;
+  form->Close();
+  if (PlatformRoot* root = PlatformRoot::Current()) root->DeferDelete(std::move(form));
 }
 
 void cfForm::UpdateHover(Widget* now) {

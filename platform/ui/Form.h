@@ -128,4 +128,8 @@ class cfForm : public Widget {
   std::shared_ptr<cfForm> tip_;
 };
 
+// Closes a form its owner held (a pop-up) and lets it go once the current
+// event is over, which may be one of its own.
+void DisposeForm(std::shared_ptr<cfForm> form);
+
 }  // namespace qds

@@ -10,6 +10,7 @@
 namespace qds {
 
 class DrawingContext;
+struct TextSize;
 
 namespace Palette {
 // Indexes of the program's palette, by what they colour.
@@ -23,6 +24,12 @@ inline std::int64_t StockColor(int index) {
 // The interface font, in points.
 constexpr const char* kUiFont = "DejaVu Sans";
 constexpr double kUiFontSize = 9;
+
+// The raised face of a button or box, outlined in the accent colour when
+// it has the focus.
+void DrawFace(DrawingContext& ctx, double w, double h, std::int64_t fill, bool focused);
+// The size of a text in the interface font, outside any painting.
+TextSize MeasureUiText(const std::string& text);
 
 // Captions mark their access key with '&' ("&Save": Alt+S); "&&" is a
 // plain '&'. The caption as shown, and its letter in upper case, or 0.

@@ -22,6 +22,21 @@ void DrawPicture(DrawingContext& ctx, const std::string& key, double x, double y
   if (const SurfacePtr picture = root->Images()->Get(key)) ctx.DrawSurface(picture, x, y, w, h, Filter::Good);
 }
 
+void DrawFace(DrawingContext& ctx, double w, double h, std::int64_t fill, bool focused) {
+  ctx.SetSourceColor(fill);
+  ctx.RoundedRectangle(0.5, 0.5, w - 1, h - 1, 3);
+  ctx.Fill(true);
+  ctx.SetLineWidth(1);
+  ctx.SetSourceColor(focused ? StockColor(Palette::Accent) : StockColor(Palette::Border));
+  ctx.Stroke();
+}
+
+TextSize MeasureUiText(const std::string& text) {
+  DrawingContext measure(DrawingSurface::Create(1, 1));
+  measure.SelectFont(kUiFont, kUiFontSize, 0);
+  return measure.MeasureText(text);
+}
+
 std::string ShownCaption(const std::string& caption) {
   std::string shown;
   for (size_t i = 0; i < caption.size(); ++i) {
@@ -43,15 +58,12 @@ char AccessLetter(const std::string& caption) {
 
 void cwButton::W_Paint(DrawingContext& ctx, double w, double h) {
   const bool down = pressed_ || (Checkable && Checked);
-  ctx.SetSourceColor(!EnabledInTree() ? StockColor(Palette::Back)
-                     : down           ? StockColor(Palette::Accent)
-                     : MouseOver()    ? StockColor(Palette::Hover)
-                                      : StockColor(Palette::Face));
-  ctx.RoundedRectangle(0.5, 0.5, w - 1, h - 1, 3);
-  ctx.Fill(true);
-  ctx.SetLineWidth(1);
-  ctx.SetSourceColor(HasFocus() ? StockColor(Palette::Accent) : StockColor(Palette::Border));
-  ctx.Stroke();
+  DrawFace(ctx, w, h,
+           !EnabledInTree() ? StockColor(Palette::Back)
+           : down           ? StockColor(Palette::Accent)
+           : MouseOver()    ? StockColor(Palette::Hover)
+                            : StockColor(Palette::Face),
+           HasFocus());
   double textLeft = 0;
   if (!PictureKey.empty()) {
     const double side = std::min(h - 6, 24.0);

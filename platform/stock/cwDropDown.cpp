@@ -76,12 +76,7 @@ void cwDropDown::PopupGone() {
 }
 
 void cwDropDown::W_Paint(DrawingContext& ctx, double w, double h) {
-  ctx.SetSourceColor(IsOpen() ? StockColor(Palette::Hover) : StockColor(Palette::Face));
-  ctx.RoundedRectangle(0.5, 0.5, w - 1, h - 1, 3);
-  ctx.Fill(true);
-  ctx.SetLineWidth(1);
-  ctx.SetSourceColor(HasFocus() ? StockColor(Palette::Accent) : StockColor(Palette::Border));
-  ctx.Stroke();
+  DrawFace(ctx, w, h, IsOpen() ? StockColor(Palette::Hover) : StockColor(Palette::Face), HasFocus());
   ctx.SelectFont(kUiFont, kUiFontSize,
                  EnabledInTree() ? StockColor(Palette::Text) : StockColor(Palette::Disabled));
   ctx.DrawText(6, 0, w - h - 6, h, Caption, true, TextAlign::Left, TextAlign::Middle);

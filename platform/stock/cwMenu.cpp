@@ -26,13 +26,8 @@ class MenuPopUp : public cfForm {
     if (rows.empty()) return nullptr;
     // As wide as the longest caption needs.
     double width = 120;
-    {
-      DrawingContext measure(DrawingSurface::Create(1, 1));
-      measure.SelectFont(kUiFont, kUiFontSize, 0);
-      for (const cwMenu::MenuItem& row : rows) {
-        width = std::max(width, measure.MeasureText(row.caption).width + kPictureSide + 40);
-      }
-    }
+    for (const cwMenu::MenuItem& row : rows)
+      width = std::max(width, MeasureUiText(row.caption).width + kPictureSide + 40);
     auto popup = std::make_shared<MenuPopUp>(menu, parent, std::move(rows));
     popup->setZoom(zoom);
     popup->Move(x, y, width, static_cast<double>(popup->rows_.size()) * kRowHeight);

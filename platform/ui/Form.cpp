@@ -201,9 +201,7 @@ class ToolTipForm : public cfForm {
 void cfForm::ShowToolTip() {
   HideToolTip();
   if (!hover_ || hover_->ToolTip.empty() || capture_ || !showing_) return;
-  DrawingContext measure(DrawingSurface::Create(1, 1));
-  measure.SelectFont(kUiFont, kUiFontSize, 0);
-  const TextSize size = measure.MeasureText(hover_->ToolTip);
+  const TextSize size = MeasureUiText(hover_->ToolTip);
   tip_ = std::make_shared<ToolTipForm>(hover_->ToolTip);
   tip_->setZoom(zoom_);
   tip_->Move(Left() + mouseX_, Top() + mouseY_ + 20 * zoom_, size.width + 12, size.height + 8);

@@ -233,6 +233,7 @@ void cfForm::UpdateHover(Widget* now) {
 }
 
 void cfForm::MouseDown(int button, int shift, double x, double y) {
+  buttons_ |= button;
   if (disabledByModal_) return;
   HideToolTip();
   Widget* target = capture_ ? capture_ : &HitTest(x, y);
@@ -254,6 +255,7 @@ void cfForm::MouseDown(int button, int shift, double x, double y) {
 }
 
 void cfForm::MouseMove(int button, int shift, double x, double y) {
+  buttons_ = button;
   if (disabledByModal_) return;
   mouseX_ = x, mouseY_ = y;
   if (movingWindow_) {
@@ -264,11 +266,13 @@ void cfForm::MouseMove(int button, int shift, double x, double y) {
   }
   Widget* under = &HitTest(x, y);
   UpdateHover(under);
+  if (PlatformRoot* root = PlatformRoot::Current()) root->ShowWidgetCursor((capture_ ? capture_ : under)->MouseCursor);
   Route(capture_ ? capture_ : under, x / zoom_, y / zoom_,
         [&](Widget& w, double lx, double ly) { return w.W_MouseMove(button, shift, lx, ly); });
 }
 
 void cfForm::MouseUp(int button, int shift, double x, double y) {
+  buttons_ &= ~button;
   if (disabledByModal_) return;
   if (movingWindow_ && button == Button::Left) {
     movingWindow_ = false;

@@ -119,6 +119,7 @@ class cfForm : public Widget {
   Widget* capture_ = nullptr;
   Widget* hover_ = nullptr;
   double mouseX_ = 0, mouseY_ = 0;
+  int buttons_ = 0;
   bool movingWindow_ = false;
   double grabX_ = 0, grabY_ = 0;
   std::string iconKey_;

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/Error.h"
+#include "platform/ImageList.h"
 #include "platform/ui/Form.h"
 
 namespace qds {
@@ -44,10 +45,7 @@ void PlatformRoot::KillTimer(int id) {
 }
 
 void PlatformRoot::KillTimersOf(const Widget* owner) {
-  if (dragSource_ == owner) {
-    dragSource_ = nullptr;
-    dragKey_.clear();
-  }
+  if (dragSource_ == owner) EndDrag();
   timers_.erase(
       std::remove_if(timers_.begin(), timers_.end(), [&](const TimerEntry& t) { return t.owner == owner; }),
       timers_.end());
@@ -75,6 +73,26 @@ void PlatformRoot::StartDrag(Widget& source, const std::string& dataKey, const s
   dragSource_ = &source;
   dragKey_ = dataKey;
   dragPicture_ = pictureKey;
+  if (SurfacePtr picture = images_ && !pictureKey.empty() ? images_->Get(pictureKey) : nullptr)
+    backend_->SetCursorPicture(picture);
+}
+
+void PlatformRoot::EndDrag() {
+  dragKey_.clear();
+  dragPicture_.clear();
+  dragSource_ = nullptr;
+  if (backend_->CursorPicture()) backend_->SetCursorPicture(nullptr);
+}
+
+void PlatformRoot::setScreenCursor(int cursor) {
+  screenCursor_ = cursor;
+  backend_->SetCursor(cursor ? cursor : widgetCursor_);
+}
+
+void PlatformRoot::ShowWidgetCursor(int cursor) {
+  widgetCursor_ = cursor;
+  const int shown = screenCursor_ ? screenCursor_ : cursor;
+  if (shown != backend_->CurrentCursor()) backend_->SetCursor(shown);
 }
 
 bool PlatformRoot::ShellOpen(const std::string& target) {
@@ -135,9 +153,7 @@ void PlatformRoot::Dispatch(const UiEvent& e) {
     target.FormPosition(ox, oy);
     const std::string key = dragKey_;
     Widget* source = dragSource_;
-    dragKey_.clear();
-    dragPicture_.clear();
-    dragSource_ = nullptr;
+    EndDrag();
     if (source) {
       RunHandler(target.TypeName() + ":W_DragDrop", HandlerMode::Report,
                  [&] { target.W_DragDrop(key, *source, e.x / f->Zoom() - ox, e.y / f->Zoom() - oy); });

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/Drawing.h"
+
 namespace qds {
 
 class cfForm;
@@ -45,12 +47,16 @@ class UiBackend {
   // clipboard text, and the screen's dots per inch.
   virtual void SetCursor(int cursor) { cursor_ = cursor; }
   int CurrentCursor() const { return cursor_; }
+  // A picture follows the mouse instead of the cursor (a drag); none ends it.
+  virtual void SetCursorPicture(const SurfacePtr& picture) { cursorPicture_ = picture; }
+  const SurfacePtr& CursorPicture() const { return cursorPicture_; }
   virtual void SetClipboardText(const std::string& text) { clipboard_ = text; }
   virtual std::string ClipboardText() { return clipboard_; }
   virtual double ScreenDpi() { return 96; }
 
  private:
   int cursor_ = 32512;
+  SurfacePtr cursorPicture_;
   std::string clipboard_;
 };
 
@@ -87,6 +93,13 @@ class PlatformRoot {
   bool Dragging() const { return !dragKey_.empty(); }
   const std::string& DragPicture() const { return dragPicture_; }
 
+  // One cursor for every window while the program is busy (Cursor::Wait);
+  // 0 lets each widget show its own again.
+  void setScreenCursor(int cursor);
+  int ScreenCursor() const { return screenCursor_; }
+  // The cursor of the widget under the mouse, unless the screen has one.
+  void ShowWidgetCursor(int cursor);
+
   // Opens a document, folder or web address with the desktop's program.
   // False, with nothing started, when there is no such program.
   static bool ShellOpen(const std::string& target);
@@ -108,6 +121,7 @@ class PlatformRoot {
   void RunDeferred();
   void BuryTheDead();
   void PaintAll();
+  void EndDrag();
   double NextTimerIn();
   bool Turn(double waitMs);
 
@@ -126,6 +140,7 @@ class PlatformRoot {
   std::string dragKey_, dragPicture_;
   Widget* dragSource_ = nullptr;
   int nextTimer_ = 1;
+  int screenCursor_ = 0, widgetCursor_ = 32512;
   unsigned long eventNumber_ = 0;
   ImageList* images_ = nullptr;
   PlatformRoot* previous_;

@@ -80,6 +80,25 @@ int KeyCode(SDL_Keycode k) {
   return 0;
 }
 
+// A copy of the picture as SDL wants it for icons and cursors: straight
+// alpha, where cairo keeps it premultiplied. Null when SDL refuses.
+SDL_Surface* StraightAlphaSurface(const SurfacePtr& picture) {
+  const int w = picture->Width(), h = picture->Height();
+  SDL_Surface* sdl = SDL_CreateRGBSurfaceWithFormat(0, w, h, 32, SDL_PIXELFORMAT_ARGB8888);
+  if (!sdl) return nullptr;
+  const PixelView v = picture->Pixels();
+  for (int y = 0; y < h; ++y) {
+    const unsigned char* from = v.Bytes() + static_cast<std::ptrdiff_t>(y) * v.Stride();
+    unsigned char* to = static_cast<unsigned char*>(sdl->pixels) + static_cast<std::ptrdiff_t>(y) * sdl->pitch;
+    for (int x = 0; x < w * 4; x += 4) {
+      const int a = from[x + 3];
+      for (int c = 0; c < 3; ++c) to[x + c] = static_cast<unsigned char>(a ? std::min(255, from[x + c] * 255 / a) : 0);
+      to[x + 3] = static_cast<unsigned char>(a);
+    }
+  }
+  return sdl;
+}
+
 }  // namespace
 
 SdlBackend::SdlBackend() {
@@ -91,13 +110,39 @@ SdlBackend::SdlBackend() {
 
 void SdlBackend::SetCursor(int cursor) {
   UiBackend::SetCursor(cursor);
-  SDL_SystemCursor id = SDL_SYSTEM_CURSOR_ARROW;
-  if (cursor == Cursor::Wait) id = SDL_SYSTEM_CURSOR_WAIT;
-  if (cursor == Cursor::Hand) id = SDL_SYSTEM_CURSOR_HAND;
-  if (cursor == Cursor::IBeam) id = SDL_SYSTEM_CURSOR_IBEAM;
+  if (CursorPicture()) return;  // a drag's picture stays until the drop
+  static const std::map<int, SDL_SystemCursor> kSystem = {
+      {Cursor::Wait, SDL_SYSTEM_CURSOR_WAIT},        {Cursor::Hand, SDL_SYSTEM_CURSOR_HAND},
+      {Cursor::IBeam, SDL_SYSTEM_CURSOR_IBEAM},      {Cursor::SizeNWSE, SDL_SYSTEM_CURSOR_SIZENWSE},
+      {Cursor::SizeNESW, SDL_SYSTEM_CURSOR_SIZENESW}, {Cursor::SizeWE, SDL_SYSTEM_CURSOR_SIZEWE},
+      {Cursor::SizeNS, SDL_SYSTEM_CURSOR_SIZENS},    {Cursor::SizeAll, SDL_SYSTEM_CURSOR_SIZEALL}};
+  const auto known = kSystem.find(cursor);
+  const SDL_SystemCursor id = known == kSystem.end() ? SDL_SYSTEM_CURSOR_ARROW : known->second;
   SDL_Cursor*& c = cursors_[id];
   if (!c) c = SDL_CreateSystemCursor(id);
   if (c) SDL_SetCursor(c);
+}
+
+void SdlBackend::SetCursorPicture(const SurfacePtr& picture) {
+  UiBackend::SetCursorPicture(picture);
+  if (dragCursor_) SDL_FreeCursor(dragCursor_);
+  dragCursor_ = nullptr;
+  if (!picture) {
+    SetCursor(CurrentCursor());
+    return;
+  }
+  // A cursor-sized copy with the mouse at its middle; SDL wants straight alpha.
+  constexpr int kSide = 32;
+  SurfacePtr small = DrawingSurface::Create(kSide, kSide);
+  {
+    DrawingContext ctx(small);
+    ctx.DrawSurface(picture, 0, 0, kSide, kSide, Filter::Good);
+  }
+  SDL_Surface* sdl = StraightAlphaSurface(small);
+  if (!sdl) return;
+  dragCursor_ = SDL_CreateColorCursor(sdl, kSide / 2, kSide / 2);
+  SDL_FreeSurface(sdl);
+  if (dragCursor_) SDL_SetCursor(dragCursor_);
 }
 
 void SdlBackend::SetClipboardText(const std::string& text) {
@@ -118,6 +163,7 @@ double SdlBackend::ScreenDpi() {
 
 SdlBackend::~SdlBackend() {
   for (auto& [id, c] : cursors_) SDL_FreeCursor(c);
+  if (dragCursor_) SDL_FreeCursor(dragCursor_);
   for (auto& [form, w] : windows_) {
     SDL_DestroyTexture(w.texture);
     SDL_DestroyRenderer(w.renderer);
@@ -180,17 +226,7 @@ void SdlBackend::FormIconChanged(cfForm& form) {
     DrawingContext ctx(icon);
     ctx.DrawSurface(picture, 0, 0, 64, 64, Filter::Good);
   }
-  PixelView v = icon->Pixels();
-  // SDL wants straight alpha; cairo keeps it premultiplied.
-  for (int y = 0; y < 64; ++y) {
-    unsigned char* p = v.Bytes() + static_cast<std::ptrdiff_t>(y) * v.Stride();
-    for (int x = 0; x < 64; ++x, p += 4) {
-      if (p[3] == 0 || p[3] == 255) continue;
-      for (int c = 0; c < 3; ++c) p[c] = static_cast<unsigned char>(std::min(255, p[c] * 255 / p[3]));
-    }
-  }
-  SDL_Surface* sdl =
-      SDL_CreateRGBSurfaceWithFormatFrom(v.Bytes(), 64, 64, 32, v.Stride(), SDL_PIXELFORMAT_ARGB8888);
+  SDL_Surface* sdl = StraightAlphaSurface(icon);
   if (!sdl) return;
   SDL_SetWindowIcon(it->second.window, sdl);
   SDL_FreeSurface(sdl);

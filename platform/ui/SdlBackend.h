@@ -31,6 +31,7 @@ class SdlBackend : public UiBackend {
   void FormIconChanged(cfForm& form) override;
   void WorkArea(double& x, double& y, double& w, double& h) override;
   void SetCursor(int cursor) override;
+  void SetCursorPicture(const SurfacePtr& picture) override;
   void SetClipboardText(const std::string& text) override;
   std::string ClipboardText() override;
   double ScreenDpi() override;
@@ -50,6 +51,7 @@ class SdlBackend : public UiBackend {
   static void FollowWindow(cfForm& form, SDL_Window* window);
   std::map<cfForm*, Window> windows_;
   std::map<int, SDL_Cursor*> cursors_;
+  SDL_Cursor* dragCursor_ = nullptr;
   bool firstFrame_ = true;
 };
 

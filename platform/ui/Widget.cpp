@@ -128,6 +128,11 @@ bool Widget::MouseOver() const {
   return form && form->HoverWidget() == this;
 }
 
+int Widget::MouseButtons() const {
+  const cfForm* form = Form();
+  return form ? form->buttons_ : 0;
+}
+
 void Widget::StartDrag(const std::string& dataKey, const std::string& pictureKey) {
   if (PlatformRoot* root = PlatformRoot::Current()) root->StartDrag(*this, dataKey, pictureKey);
 }

@@ -30,7 +30,8 @@ namespace Button {
 constexpr int None = 0, Left = 1, Right = 2, Middle = 4;
 }
 namespace Cursor {
-constexpr int Arrow = 32512, Wait = 32514, Hand = 32649, IBeam = 32513;
+constexpr int Arrow = 32512, Wait = 32514, Hand = 32649, IBeam = 32513, SizeNWSE = 32642, SizeNESW = 32643,
+              SizeWE = 32644, SizeNS = 32645, SizeAll = 32646;
 }
 
 // The children of a widget, owned, in paint order (the last is on top).
@@ -100,8 +101,11 @@ class Widget {
   void ReleaseCapture();
   bool HasCapture() const;
   bool MouseOver() const;
+  // The mouse buttons held now (Button flags).
+  int MouseButtons() const;
 
   std::string ToolTip;
+  // Shown while the mouse is over the widget, or while it has the capture.
   int MouseCursor = Cursor::Arrow;
 
   // Starts a drag that carries `dataKey`, showing `pictureKey` at the mouse.

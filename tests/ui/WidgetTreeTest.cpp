@@ -3,6 +3,8 @@
 #include "platform/DrawingContext.h"
 #include "platform/DrawingSurface.h"
 #include "platform/Error.h"
+#include "platform/ImageList.h"
+#include "platform/SvgRenderer.h"
 #include "platform/ui/Form.h"
 #include "platform/ui/PlatformRoot.h"
 #include "tests/support/Pixels.h"
@@ -270,16 +272,39 @@ TEST_F(Ui, DragsDropOnTheWidgetUnderTheMouseAndPopUpsCloseOutside) {
   };
   Target& target = form.Children().Add(std::make_unique<Target>(0x00FF00), "target");
   target.Move(70, 60, 30, 20);
+  SvgRenderer renderer;
+  ImageList images(renderer);
+  images.AddSurface("DragIcon", DrawingSurface::Create(16, 16));
+  root.setImages(&images);
   backend->Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 45, 35});
   root.DoEvents();
+  EXPECT_EQ(child->MouseButtons(), Button::Left);
   child->StartDrag("Images.ID=7", "DragIcon");
   EXPECT_TRUE(root.Dragging());
   EXPECT_EQ(root.DragPicture(), "DragIcon");
+  EXPECT_TRUE(root.Backend().CursorPicture());  // the picture follows the mouse
   backend->Push({UiEvent::Type::MouseMove, &form, Button::Left, 0, 0, 80, 70});
   backend->Push({UiEvent::Type::MouseUp, &form, Button::Left, 0, 0, 80, 70});
   root.DoEvents();
   EXPECT_EQ(target.dropped, "Images.ID=7 from child at 10,10");
   EXPECT_FALSE(root.Dragging());
+  EXPECT_FALSE(root.Backend().CursorPicture());
+  EXPECT_EQ(child->MouseButtons(), 0);
+  root.setImages(nullptr);
+
+  // Each widget shows its own cursor, unless the program is busy.
+  child->MouseCursor = Cursor::Hand;
+  const auto cursorAt = [&](double x, double y) {
+    backend->Push({UiEvent::Type::MouseMove, &form, 0, 0, 0, x, y});
+    root.DoEvents();
+    return root.Backend().CurrentCursor();
+  };
+  EXPECT_EQ(cursorAt(45, 35), Cursor::Hand);
+  EXPECT_EQ(cursorAt(5, 5), Cursor::Arrow);
+  root.setScreenCursor(Cursor::Wait);
+  EXPECT_EQ(cursorAt(45, 35), Cursor::Wait);
+  root.setScreenCursor(0);
+  EXPECT_EQ(root.Backend().CurrentCursor(), Cursor::Hand);
 
   // A pop-up goes when the mouse is pressed on another form.
   TestForm popup;
@@ -296,8 +321,6 @@ TEST_F(Ui, DragsDropOnTheWidgetUnderTheMouseAndPopUpsCloseOutside) {
   // Services of the desktop, as far as a machine without one has them.
   root.Backend().SetClipboardText("#C38C00");
   EXPECT_EQ(root.Backend().ClipboardText(), "#C38C00");
-  root.Backend().SetCursor(Cursor::Wait);
-  EXPECT_EQ(root.Backend().CurrentCursor(), Cursor::Wait);
   const char* path = std::getenv("PATH");
   const std::string saved = path ? path : "";
   ::setenv("PATH", "/nonexistent", 1);

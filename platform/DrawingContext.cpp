@@ -349,7 +349,7 @@ namespace {
 // A layout for the context's font. Hinting is off so that outlines scale
 // with the design and come out the same at every size and on every machine.
 PangoLayout* MakeLayout(cairo_t* cr, const std::string& name, double size, bool bold, bool italic,
-                        bool underline, std::string_view text) {
+                        bool underline, std::string_view text, int underlinedAt = -1) {
   PangoLayout* layout = pango_cairo_create_layout(cr);
   PangoContext* pc = pango_layout_get_context(layout);
   cairo_font_options_t* options = cairo_font_options_create();
@@ -368,24 +368,33 @@ PangoLayout* MakeLayout(cairo_t* cr, const std::string& name, double size, bool 
   pango_font_description_set_style(desc, italic ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
   pango_layout_set_font_description(layout, desc);
   pango_font_description_free(desc);
-  if (underline) {
+  // Pango wants valid UTF-8; text from outside may not be.
+  const bool valid = IsValidUtf8(text);
+  const std::string clean = valid ? std::string(text) : EncodeUtf8(DecodeUtf8(text));
+  pango_layout_set_text(layout, clean.c_str(), static_cast<int>(clean.size()));
+  // One character alone may be underlined, where its byte index still holds.
+  const bool marked = valid && underlinedAt >= 0 && underlinedAt < static_cast<int>(clean.size());
+  if (underline || marked) {
     PangoAttrList* attrs = pango_attr_list_new();
-    pango_attr_list_insert(attrs, pango_attr_underline_new(PANGO_UNDERLINE_SINGLE));
+    PangoAttribute* attr = pango_attr_underline_new(PANGO_UNDERLINE_SINGLE);
+    if (!underline) {
+      attr->start_index = static_cast<guint>(underlinedAt);
+      attr->end_index = static_cast<guint>(g_utf8_next_char(clean.c_str() + underlinedAt) - clean.c_str());
+    }
+    pango_attr_list_insert(attrs, attr);
     pango_layout_set_attributes(layout, attrs);
     pango_attr_list_unref(attrs);
   }
-  // Pango wants valid UTF-8; text from outside may not be.
-  const std::string clean = IsValidUtf8(text) ? std::string(text) : EncodeUtf8(DecodeUtf8(text));
-  pango_layout_set_text(layout, clean.c_str(), static_cast<int>(clean.size()));
   return layout;
 }
 
 }  // namespace
 
 void DrawingContext::TextPath(double x, double y, double w, double h, std::string_view text, bool singleLine,
-                              int hAlign, int vAlign) {
+                              int hAlign, int vAlign, int underlinedAt) {
   if (text.empty()) return;
-  GObjectPtr<PangoLayout> layout(MakeLayout(cr_, fontName_, fontSize_, bold_, italic_, underline_, text));
+  GObjectPtr<PangoLayout> layout(
+      MakeLayout(cr_, fontName_, fontSize_, bold_, italic_, underline_, text, underlinedAt));
   if (!singleLine && w > 0) {
     pango_layout_set_width(layout.p, static_cast<int>(w * PANGO_SCALE));
     pango_layout_set_wrap(layout.p, PANGO_WRAP_WORD_CHAR);
@@ -411,8 +420,8 @@ void DrawingContext::TextPath(double x, double y, double w, double h, std::strin
 }
 
 void DrawingContext::DrawText(double x, double y, double w, double h, std::string_view text, bool singleLine,
-                              int hAlign, int vAlign) {
-  TextPath(x, y, w, h, text, singleLine, hAlign, vAlign);
+                              int hAlign, int vAlign, int underlinedAt) {
+  TextPath(x, y, w, h, text, singleLine, hAlign, vAlign, underlinedAt);
   cairo_pattern_t* source = cairo_pattern_reference(cairo_get_source(cr_));
   SetSourceColor(fontColour_);
   cairo_fill(cr_);

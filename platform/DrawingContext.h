@@ -107,12 +107,13 @@ class DrawingContext {
   void SelectFont(const std::string& name, double size, std::int64_t colour = 0, bool bold = false,
                   bool italic = false, bool underline = false);
   // Adds the text's outlines to the path and fills them with the font's
-  // colour. With singleLine false the text wraps at the box width.
+  // colour. With singleLine false the text wraps at the box width. The
+  // character at byte `underlinedAt`, if any, is underlined (an access key).
   void DrawText(double x, double y, double w, double h, std::string_view text, bool singleLine = true,
-                int hAlign = TextAlign::Left, int vAlign = TextAlign::Top);
+                int hAlign = TextAlign::Left, int vAlign = TextAlign::Top, int underlinedAt = -1);
   // The same outlines added to the path only.
   void TextPath(double x, double y, double w, double h, std::string_view text, bool singleLine = true,
-                int hAlign = TextAlign::Left, int vAlign = TextAlign::Top);
+                int hAlign = TextAlign::Left, int vAlign = TextAlign::Top, int underlinedAt = -1);
   TextSize MeasureText(std::string_view text) const;
 
   cairo_t* Native() const { return cr_; }

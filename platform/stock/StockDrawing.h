@@ -32,8 +32,9 @@ void DrawFace(DrawingContext& ctx, double w, double h, std::int64_t fill, bool f
 TextSize MeasureUiText(const std::string& text);
 
 // Captions mark their access key with '&' ("&Save": Alt+S); "&&" is a
-// plain '&'. The caption as shown, and its letter in upper case, or 0.
-std::string ShownCaption(const std::string& caption);
+// plain '&'. The caption as shown (with, in `accessAt`, the byte index of
+// its access letter or -1), and that letter in upper case, or 0.
+std::string ShownCaption(const std::string& caption, int* accessAt = nullptr);
 char AccessLetter(const std::string& caption);
 
 // A picture of the image cache drawn into the box, or nothing when the

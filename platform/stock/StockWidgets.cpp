@@ -37,10 +37,15 @@ TextSize MeasureUiText(const std::string& text) {
   return measure.MeasureText(text);
 }
 
-std::string ShownCaption(const std::string& caption) {
+std::string ShownCaption(const std::string& caption, int* accessAt) {
   std::string shown;
+  if (accessAt) *accessAt = -1;
   for (size_t i = 0; i < caption.size(); ++i) {
-    if (caption[i] == '&' && i + 1 < caption.size()) ++i;
+    if (caption[i] == '&' && i + 1 < caption.size()) {
+      ++i;
+      // The first single '&' marks the letter; later ones are only hidden.
+      if (accessAt && *accessAt < 0 && caption[i] != '&') *accessAt = static_cast<int>(shown.size());
+    }
     shown += caption[i];
   }
   return shown;
@@ -72,8 +77,10 @@ void cwButton::W_Paint(DrawingContext& ctx, double w, double h) {
   }
   ctx.SelectFont(kUiFont, kUiFontSize,
                  EnabledInTree() ? StockColor(Palette::Text) : StockColor(Palette::Disabled));
-  ctx.DrawText(textLeft, 0, w - textLeft, h, ShownCaption(Caption), true,
-               textLeft > 0 ? TextAlign::Left : TextAlign::Center, TextAlign::Middle);
+  int accessAt = -1;
+  const std::string shown = ShownCaption(Caption, &accessAt);
+  ctx.DrawText(textLeft, 0, w - textLeft, h, shown, true, textLeft > 0 ? TextAlign::Left : TextAlign::Center,
+               TextAlign::Middle, accessAt);
 }
 
 void cwButton::Press() {
@@ -118,8 +125,10 @@ void cwButton::W_KeyDown(int& keyCode, int) {
 void cwLabel::W_Paint(DrawingContext& ctx, double w, double h) {
   ctx.SelectFont(kUiFont, kUiFontSize,
                  EnabledInTree() ? StockColor(Palette::Text) : StockColor(Palette::Disabled));
-  ctx.DrawText(2, 0, w - 4, h, ShownCaption(Caption), !WordWrap, Alignment,
-               WordWrap ? TextAlign::Top : TextAlign::Middle);
+  int accessAt = -1;
+  const std::string shown = ShownCaption(Caption, &accessAt);
+  ctx.DrawText(2, 0, w - 4, h, shown, !WordWrap, Alignment, WordWrap ? TextAlign::Top : TextAlign::Middle,
+               accessAt);
 }
 
 void cwFrame::W_Paint(DrawingContext& ctx, double w, double h) {

@@ -27,7 +27,7 @@ class MenuPopUp : public cfForm {
     // As wide as the longest caption needs.
     double width = 120;
     for (const cwMenu::MenuItem& row : rows)
-      width = std::max(width, MeasureUiText(row.caption).width + kPictureSide + 40);
+      width = std::max(width, MeasureUiText(ShownCaption(row.caption)).width + kPictureSide + 40);
     auto popup = std::make_shared<MenuPopUp>(menu, parent, std::move(rows));
     popup->setZoom(zoom);
     popup->Move(x, y, width, static_cast<double>(popup->rows_.size()) * kRowHeight);
@@ -55,8 +55,10 @@ class MenuPopUp : public cfForm {
                   kPictureSide);
       ctx.SelectFont(kUiFont, kUiFontSize,
                      rows_[i].enabled ? StockColor(Palette::Text) : StockColor(Palette::Disabled));
-      ctx.DrawText(kPictureSide + 10, top, w - kPictureSide - 26, kRowHeight, rows_[i].caption, true,
-                   TextAlign::Left, TextAlign::Middle);
+      int accessAt = -1;
+      const std::string shown = ShownCaption(rows_[i].caption, &accessAt);
+      ctx.DrawText(kPictureSide + 10, top, w - kPictureSide - 26, kRowHeight, shown, true, TextAlign::Left,
+                   TextAlign::Middle, accessAt);
       if (hasItems_[i])
         ctx.DrawText(w - 18, top, 12, kRowHeight, "▸", true, TextAlign::Left, TextAlign::Middle);
     }
@@ -97,6 +99,10 @@ class MenuPopUp : public cfForm {
       }
     } else if (keyCode == Key::Return || (keyCode == Key::Right && lit_ >= 0 && hasItems_[lit_])) {
       Choose(lit_);
+    } else if (const int row = RowOfLetter(keyCode); row >= 0) {
+      // An item's marked letter chooses it, with Alt or without.
+      Light(row);
+      Choose(row);
     } else {
       return;
     }
@@ -114,6 +120,13 @@ class MenuPopUp : public cfForm {
   MenuPopUp* Child() const { return child_.get(); }
 
  private:
+  int RowOfLetter(int keyCode) const {
+    if (keyCode <= 0 || keyCode > 127) return -1;
+    for (size_t i = 0; i < rows_.size(); ++i) {
+      if (rows_[i].enabled && AccessLetter(rows_[i].caption) == keyCode) return static_cast<int>(i);
+    }
+    return -1;
+  }
   int RowAt(double y) const {
     const int row = static_cast<int>(y / kRowHeight);
     return y >= 0 && row < static_cast<int>(rows_.size()) ? row : -1;

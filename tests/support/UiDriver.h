@@ -2,6 +2,7 @@
 // Drives a form like a user on the headless backend: click a widget, type,
 // press keys, and look at the form.
 
+#include <cstring>
 #include <memory>
 #include <string>
 
@@ -46,9 +47,16 @@ class UiDriver {
     for (char c : text) Push(qds::UiEvent::Type::KeyPress, form, 0, 0, static_cast<unsigned char>(c), 0, 0);
     root_.DoEvents();
   }
+  // A copy of what the form shows now; later painting leaves it alone.
   qds::SurfacePtr Screenshot(qds::cfForm& form) {
     root_.DoEvents();
-    return form.Surface();
+    const qds::SurfacePtr& shown = form.Surface();
+    qds::SurfacePtr shot = qds::DrawingSurface::Create(shown->Width(), shown->Height());
+    const qds::PixelView from = shown->Pixels();
+    qds::PixelView to = shot->Pixels();
+    for (int y = 0; y < shown->Height(); ++y)
+      std::memcpy(to.Bytes() + y * to.Stride(), from.Bytes() + y * from.Stride(), 4 * std::size_t(shown->Width()));
+    return shot;
   }
 
  private:

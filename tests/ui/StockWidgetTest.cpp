@@ -199,7 +199,7 @@ TEST(StockWidgets, MenusListTheirRootsItemsAndCloseOnAChoiceEscapeOrAClickElsewh
   Host form;
   form.Move(100, 50, 300, 200);
   auto& menu = static_cast<cwMenu&>(form.Children().Add(CreateWidget("cwMenu"), "mnu"));
-  menu.AddItem("File>Open", "Open…");
+  menu.AddItem("File>Open", "&Open…");
   menu.AddItem("File>Save", "Save", {}, false);
   menu.AddItem("File>Export", "Export");
   menu.AddItem("File>Export>Png", "PNG");  // a level deeper: on Export's own list
@@ -256,6 +256,9 @@ TEST(StockWidgets, MenusListTheirRootsItemsAndCloseOnAChoiceEscapeOrAClickElsewh
   ui.Press(*menu.PopupForm(), Key::Down);
   ui.Press(*menu.PopupForm(), Key::Return);
   EXPECT_EQ(chosen.back(), "File>Close");
+  menu.ShowPopup("File", 0, 0);
+  ui.Press(form, 'O');  // the marked letter of "&Open…"
+  EXPECT_EQ(chosen.back(), "File>Open");
   // Escape, and a click on the owner, close without a choice. The keys go to
   // the pop-up even when the window system sends them to the owner.
   menu.ShowPopup("Edit", 0, 0);
@@ -265,8 +268,8 @@ TEST(StockWidgets, MenusListTheirRootsItemsAndCloseOnAChoiceEscapeOrAClickElsewh
   clickRow(*menu.PopupForm(), 2);
   ui.Click(form);
   EXPECT_FALSE(menu.IsOpen());
-  EXPECT_EQ(chosen.size(), 3u);
-  EXPECT_EQ(gone, 5);
+  EXPECT_EQ(chosen.size(), 4u);
+  EXPECT_EQ(gone, 6);
   // A root with no items opens nothing.
   menu.ShowPopup("View", 0, 0);
   EXPECT_FALSE(menu.IsOpen());
@@ -276,7 +279,7 @@ TEST(StockWidgets, MenusListTheirRootsItemsAndCloseOnAChoiceEscapeOrAClickElsewh
   clickRow(*menu.PopupForm(), 2);
   form.Children().Remove("mnu");
   ui.Root().DoEvents();
-  EXPECT_EQ(gone, 5);
+  EXPECT_EQ(gone, 6);
 }
 
 TEST(StockWidgets, ADropDownShowsItsContentUnderItselfAndTogglesOnItsBox) {
@@ -468,6 +471,21 @@ TEST(StockWidgets, TabAndAccessKeysMoveTheFocusAndTipsShowWhenTheMouseRests) {
   ui.Press(form, 'S');  // without Alt, nothing
   EXPECT_EQ(saved, 1);
   EXPECT_EQ(ShownCaption("Salt && &Pepper"), "Salt & Pepper");
+  // The marked letter is underlined: only the foot of the "S" differs from a plain caption.
+  const SurfacePtr marked = ui.Screenshot(form);
+  buttons[1]->Caption = "Save";
+  buttons[1]->Refresh();
+  const SurfacePtr plain = ui.Screenshot(form);
+  int differ = 0;
+  for (int y = 0; y < plain->Height(); ++y) {
+    for (int x = 0; x < plain->Width(); ++x) {
+      if (PixelAt(marked, x, y) == PixelAt(plain, x, y)) continue;
+      ++differ;
+      EXPECT_TRUE(x > 100 && x < 140 && y > 24 && y < 34) << x << "," << y;
+    }
+  }
+  EXPECT_GT(differ, 3);
+  buttons[1]->Caption = "&Save";
 
   // The tip comes when the mouse has rested, under it, and goes when it moves on.
   ui.Mouse(form, UiEvent::Type::MouseMove, 140, 20);

@@ -13,6 +13,8 @@ namespace qds {
 DemoWidgetsForm::DemoWidgetsForm() {
   Caption = "Quillaron Design Studio: widgets";
   Move(0, 0, 580, 250);
+  Sizable = true;
+  MinWidth = 580, MinHeight = 250;
   BackColor = StockColor(Palette::Back);
   setIconKey("Logo");
 
@@ -85,13 +87,18 @@ DemoWidgetsForm::DemoWidgetsForm() {
 
   status_ = &static_cast<cwStatusBar&>(Children().Add(CreateWidget("cwStatusBar"), "sbStatus"));
   status_->Caption = "Clicks: 0";
-  status_->Move(0, 226, 580, 24);
+  W_Resize();
 
   ok.Click = [this] {
     ++Clicks;
     status_->Caption = "Clicks: " + std::to_string(Clicks);
     status_->Refresh();
   };
+}
+
+void DemoWidgetsForm::W_Resize() {
+  // The status bar keeps to the bottom edge, as wide as the window.
+  if (status_) status_->Move(0, Height() - 24, Width(), 24);
 }
 
 }  // namespace qds

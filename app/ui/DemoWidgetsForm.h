@@ -11,6 +11,7 @@ class DemoWidgetsForm : public cfForm {
  public:
   DemoWidgetsForm();
   int Clicks = 0;
+  void W_Resize() override;
 
  private:
   cwStatusBar* status_ = nullptr;

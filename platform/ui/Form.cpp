@@ -47,6 +47,16 @@ Widget* Deepest(Widget& w, double x, double y) {
   return &w;
 }
 
+namespace Edge {
+constexpr int Left = 1, Top = 2, Right = 4, Bottom = 8;
+}
+
+int EdgeCursor(int edges) {
+  if (edges == (Edge::Left | Edge::Top) || edges == (Edge::Right | Edge::Bottom)) return Cursor::SizeNWSE;
+  if (edges == (Edge::Right | Edge::Top) || edges == (Edge::Left | Edge::Bottom)) return Cursor::SizeNESW;
+  return (edges & (Edge::Left | Edge::Right)) ? Cursor::SizeWE : Cursor::SizeNS;
+}
+
 bool Within(const Widget& ancestor, const Widget* w) {
   for (; w; w = w->Parent()) {
     if (w == &ancestor) return true;
@@ -232,10 +242,46 @@ void cfForm::UpdateHover(Widget* now) {
   if (now) RunHandler(now->TypeName() + ":W_MouseEnter", HandlerMode::Report, [&] { now->W_MouseEnter(); });
 }
 
+int cfForm::ResizeEdgeAt(double x, double y) const {
+  if (!Borderless || !Sizable || PopUp || state_ != WindowState::Normal) return 0;
+  const double w = Width() * zoom_, h = Height() * zoom_;
+  return (x < kResizeBorder ? Edge::Left : 0) | (x >= w - kResizeBorder ? Edge::Right : 0) |
+         (y < kResizeBorder ? Edge::Top : 0) | (y >= h - kResizeBorder ? Edge::Bottom : 0);
+}
+
+void cfForm::ResizeTo(double screenX, double screenY) {
+  // The dragged borders follow the mouse; the opposite ones stay put.
+  const double dx = screenX - grabX_, dy = screenY - grabY_;
+  double left = grabRect_[0], top = grabRect_[1];
+  double w = grabRect_[2], h = grabRect_[3];  // device pixels
+  const double minW = MinWidth * zoom_, minH = MinHeight * zoom_;
+  if (resizing_ & Edge::Right) w = std::max(minW, w + dx);
+  if (resizing_ & Edge::Bottom) h = std::max(minH, h + dy);
+  if (resizing_ & Edge::Left) {
+    const double right = left + w;
+    w = std::max(minW, w - dx);
+    left = right - w;
+  }
+  if (resizing_ & Edge::Top) {
+    const double bottom = top + h;
+    h = std::max(minH, h - dy);
+    top = bottom - h;
+  }
+  Move(left, top, w / zoom_, h / zoom_);
+  if (PlatformRoot* root = PlatformRoot::Current()) root->Backend().FormMoved(*this);
+}
+
 void cfForm::MouseDown(int button, int shift, double x, double y) {
   buttons_ |= button;
   if (disabledByModal_) return;
   HideToolTip();
+  // The borders of a frameless window size it, before any widget hears of the press.
+  if (const int edges = button == Button::Left ? ResizeEdgeAt(x, y) : 0) {
+    resizing_ = edges;
+    grabX_ = Left() + x, grabY_ = Top() + y;
+    grabRect_[0] = Left(), grabRect_[1] = Top(), grabRect_[2] = Width() * zoom_, grabRect_[3] = Height() * zoom_;
+    return;
+  }
   Widget* target = capture_ ? capture_ : &HitTest(x, y);
   // A press gives the focus to the first widget up the tree that takes it.
   for (Widget* w = target; w; w = w->Parent()) {
@@ -264,9 +310,16 @@ void cfForm::MouseMove(int button, int shift, double x, double y) {
     if (PlatformRoot* root = PlatformRoot::Current()) root->Backend().FormMoved(*this);
     return;
   }
+  if (resizing_) {
+    ResizeTo(Left() + x, Top() + y);
+    return;
+  }
   Widget* under = &HitTest(x, y);
   UpdateHover(under);
-  if (PlatformRoot* root = PlatformRoot::Current()) root->ShowWidgetCursor((capture_ ? capture_ : under)->MouseCursor);
+  if (PlatformRoot* root = PlatformRoot::Current()) {
+    const int edges = capture_ ? 0 : ResizeEdgeAt(x, y);
+    root->ShowWidgetCursor(edges ? EdgeCursor(edges) : (capture_ ? capture_ : under)->MouseCursor);
+  }
   Route(capture_ ? capture_ : under, x / zoom_, y / zoom_,
         [&](Widget& w, double lx, double ly) { return w.W_MouseMove(button, shift, lx, ly); });
 }
@@ -274,8 +327,9 @@ void cfForm::MouseMove(int button, int shift, double x, double y) {
 void cfForm::MouseUp(int button, int shift, double x, double y) {
   buttons_ &= ~button;
   if (disabledByModal_) return;
-  if (movingWindow_ && button == Button::Left) {
+  if ((movingWindow_ || resizing_) && button == Button::Left) {
     movingWindow_ = false;
+    resizing_ = 0;
     return;
   }
   Widget* target = capture_ ? capture_ : &HitTest(x, y);

@@ -33,6 +33,11 @@ class cfForm : public Widget {
   // top DragRegionHeight units where no widget takes the mouse.
   bool Borderless = false;
   double DragRegionHeight = 0;
+  // The user may change the size: by the desktop's frame, or, borderless,
+  // by dragging the outer kResizeBorder pixels. Never below the minimum.
+  bool Sizable = false;
+  double MinWidth = 120, MinHeight = 80;
+  static constexpr double kResizeBorder = 5;
 
   enum class WindowState { Normal, Maximized };
   WindowState State() const { return state_; }
@@ -104,6 +109,10 @@ class cfForm : public Widget {
   template <class Handler>
   void Route(Widget* start, double fx, double fy, Handler handler);
   void UpdateHover(Widget* now);
+  // Which borders of a sizable frameless form a device point is on
+  // (Edge flags), 0 when none or when the form cannot be sized.
+  int ResizeEdgeAt(double x, double y) const;
+  void ResizeTo(double screenX, double screenY);
   void ShowToolTip();
   void HideToolTip();
 
@@ -122,6 +131,8 @@ class cfForm : public Widget {
   int buttons_ = 0;
   bool movingWindow_ = false;
   double grabX_ = 0, grabY_ = 0;
+  int resizing_ = 0;  // the Edge flags being dragged
+  double grabRect_[4] = {0, 0, 0, 0};
   std::string iconKey_;
   WindowState state_ = WindowState::Normal;
   double restore_[4] = {0, 0, 0, 0};

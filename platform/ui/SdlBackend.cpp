@@ -193,9 +193,11 @@ void SdlBackend::FormShown(cfForm& form) {
   const bool popUp = form.PopUp;
   const int x = popUp ? static_cast<int>(std::lround(form.Left())) : SDL_WINDOWPOS_CENTERED;
   const int y = popUp ? static_cast<int>(std::lround(form.Top())) : SDL_WINDOWPOS_CENTERED;
+  // A frameless form sizes itself by its borders; a framed one lets the desktop do it.
   w.window = SDL_CreateWindow(form.Caption.c_str(), x, y, w.w, w.h,
-                              popUp ? SDL_WINDOW_SHOWN | SDL_WINDOW_BORDERLESS | SDL_WINDOW_POPUP_MENU
+                              popUp             ? SDL_WINDOW_SHOWN | SDL_WINDOW_BORDERLESS | SDL_WINDOW_POPUP_MENU
                               : form.Borderless ? SDL_WINDOW_SHOWN | SDL_WINDOW_BORDERLESS
+                              : form.Sizable    ? SDL_WINDOW_SHOWN | SDL_WINDOW_RESIZABLE
                                                 : SDL_WINDOW_SHOWN);
   if (!w.window) Raise(ErrNo::InvalidArgument, std::string("No window: ") + SDL_GetError(), "SdlBackend");
   if (!popUp) FollowWindow(form, w.window);
@@ -209,9 +211,9 @@ void SdlBackend::FormShown(cfForm& form) {
 void SdlBackend::FormMoved(cfForm& form) {
   auto it = windows_.find(&form);
   if (it == windows_.end()) return;
+  // The size follows with the next picture, which a new size brings.
   SDL_SetWindowPosition(it->second.window, static_cast<int>(std::lround(form.Left())),
                         static_cast<int>(std::lround(form.Top())));
-  form.Invalidate();  // the size follows with the next picture
 }
 
 void SdlBackend::FormIconChanged(cfForm& form) {
@@ -354,6 +356,13 @@ bool SdlBackend::WaitEvent(double timeoutMs, UiEvent& event) {
       }
       if (e.window.event == SDL_WINDOWEVENT_MOVED) {
         if (cfForm* f = FormOf(e.window.windowID)) FollowWindow(*f, SDL_GetWindowFromID(e.window.windowID));
+      }
+      if (e.window.event == SDL_WINDOWEVENT_SIZE_CHANGED) {
+        // The desktop sized the window: the form lays itself out anew.
+        cfForm* f = FormOf(e.window.windowID);
+        if (f && (e.window.data1 != windows_[f].w || e.window.data2 != windows_[f].h)) {
+          f->Move(f->Left(), f->Top(), e.window.data1 / f->Zoom(), e.window.data2 / f->Zoom());
+        }
       }
       return false;
     case SDL_QUIT:

@@ -44,10 +44,12 @@ cfForm* Widget::Form() const {
 }
 
 void Widget::Move(double left, double top, double width, double height) {
-  Refresh();
   const bool resized = width != width_ || height != height_;
+  // A window moved on the desktop keeps its picture; a widget leaves a gap.
+  const bool repaint = parent_ || resized;
+  if (repaint) Refresh();
   left_ = left, top_ = top, width_ = width, height_ = height;
-  Refresh();
+  if (repaint) Refresh();
   if (resized) RunHandler(typeName_ + ":W_Resize", HandlerMode::Report, [&] { W_Resize(); });
 }
 

@@ -560,6 +560,25 @@ TEST(StockWidgets, FramelessFormsMoveByTheirTopMaximiseToTheWorkAreaAndShowABack
   EXPECT_EQ(form.Left(), 130);
   EXPECT_EQ(form.Width(), 200);
   EXPECT_EQ(form.Height(), 150);
+
+  // Sizable, its borders size it (in device pixels, at zoom 2); the opposite
+  // borders stay, and it keeps its minimum size.
+  form.Sizable = true;
+  mouse(UiEvent::Type::MouseMove, 398, 298);
+  EXPECT_EQ(ui.Root().Backend().CurrentCursor(), Cursor::SizeNWSE);
+  mouse(UiEvent::Type::MouseDown, 398, 298);
+  mouse(UiEvent::Type::MouseMove, 438, 318);
+  mouse(UiEvent::Type::MouseUp, 438, 318);
+  EXPECT_EQ(form.Left(), 130);
+  EXPECT_EQ(form.Width(), 220);
+  EXPECT_EQ(form.Height(), 160);
+  EXPECT_EQ(ui.Screenshot(form)->Width(), 440);
+  mouse(UiEvent::Type::MouseDown, 2, 100);
+  mouse(UiEvent::Type::MouseMove, 600, 100);
+  mouse(UiEvent::Type::MouseUp, 600, 100);
+  EXPECT_EQ(form.Width(), form.MinWidth);
+  EXPECT_EQ(form.Left(), 130 + 440 - 2 * form.MinWidth);
+  EXPECT_EQ(form.Height(), 160);
 }
 
 TEST(StockWidgets, ListsShowAScrollBarOnlyWhenTheirRowsDoNotFitAndFollowIt) {

@@ -240,6 +240,10 @@ double PlatformRoot::NextTimerIn() {
 bool PlatformRoot::Turn(double waitMs) {
   UiEvent e;
   bool any = false;
+  // Pictures still to paint, and work deferred while painting, must not
+  // wait for the next event.
+  const bool dirty = std::any_of(forms_.begin(), forms_.end(), [](const cfForm* f) { return f->Dirty(); });
+  if (dirty || !deferred_.empty()) waitMs = 0;
   while (backend_->WaitEvent(any ? 0 : waitMs, e)) {
     any = true;
     Dispatch(e);

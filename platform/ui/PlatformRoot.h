@@ -22,7 +22,7 @@ struct UiEvent {
   cfForm* form = nullptr;
   int button = 0;  // or the wheel's delta
   int shift = 0;
-  int key = 0;          // key code, or the character of a key press
+  int key = 0;          // key code, or the character (code point) of a key press
   double x = 0, y = 0;  // device pixels of the form
 };
 

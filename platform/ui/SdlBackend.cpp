@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/Bytes.h"
 #include "platform/DrawingContext.h"
 #include "platform/DrawingSurface.h"
 #include "platform/Error.h"
@@ -183,6 +184,11 @@ cfForm* SdlBackend::FormOf(unsigned windowId) const {
   return nullptr;
 }
 
+unsigned SdlBackend::WindowId(cfForm& form) const {
+  const auto it = windows_.find(&form);
+  return it == windows_.end() ? 0 : SDL_GetWindowID(it->second.window);
+}
+
 void SdlBackend::FormShown(cfForm& form) {
   if (windows_.count(&form)) return;
   Window w;
@@ -299,11 +305,27 @@ Bytes SdlBackend::WindowPng(cfForm& form) {
   return shot->ToPngBytes();
 }
 
+bool SdlBackend::TakePending(UiEvent& event) {
+  if (pending_.empty()) return false;
+  event = pending_.front();
+  pending_.erase(pending_.begin());
+  return true;
+}
+
 bool SdlBackend::WaitEvent(double timeoutMs, UiEvent& event) {
+  if (TakePending(event)) return true;
   SDL_Event e;
-  const int got = timeoutMs <= 0 ? SDL_PollEvent(&e)
-                                 : SDL_WaitEventTimeout(&e, static_cast<int>(std::min(timeoutMs, 100000.0)));
-  if (!got) return false;
+  for (double wait = timeoutMs;; wait = 0) {
+    const int got =
+        wait <= 0 ? SDL_PollEvent(&e) : SDL_WaitEventTimeout(&e, static_cast<int>(std::min(wait, 100000.0)));
+    if (!got) return false;
+    if (Translate(e, event)) return true;
+    // SDL's own business (an exposure, a move): the rest of the queue, but no
+    // more waiting, as the loop may have to paint.
+  }
+}
+
+bool SdlBackend::Translate(const SDL_Event& e, UiEvent& event) {
   event = UiEvent();
   switch (e.type) {
     case SDL_MOUSEBUTTONDOWN:
@@ -340,11 +362,17 @@ bool SdlBackend::WaitEvent(double timeoutMs, UiEvent& event) {
       event.key = KeyCode(e.key.keysym.sym);
       event.shift = Flags(e.key.keysym.mod);
       return event.key != 0;
-    case SDL_TEXTINPUT:
-      event.form = FormOf(e.text.windowID);
-      event.type = UiEvent::Type::KeyPress;
-      event.key = static_cast<unsigned char>(e.text.text[0]);
-      return true;
+    case SDL_TEXTINPUT: {
+      // One key press per character; an input method may send several at once.
+      UiEvent press;
+      press.form = FormOf(e.text.windowID);
+      press.type = UiEvent::Type::KeyPress;
+      for (char32_t c : DecodeUtf8(e.text.text)) {
+        press.key = static_cast<int>(c);
+        pending_.push_back(press);
+      }
+      return TakePending(event);
+    }
     case SDL_WINDOWEVENT:
       if (e.window.event == SDL_WINDOWEVENT_CLOSE) {
         event.form = FormOf(e.window.windowID);

@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/Bytes.h"
 #include "platform/ui/PlatformRoot.h"
@@ -13,6 +14,7 @@ struct SDL_Window;
 struct SDL_Renderer;
 struct SDL_Texture;
 struct SDL_Cursor;
+union SDL_Event;
 
 namespace qds {
 
@@ -35,6 +37,8 @@ class SdlBackend : public UiBackend {
   void SetClipboardText(const std::string& text) override;
   std::string ClipboardText() override;
   double ScreenDpi() override;
+  // SDL's id of the form's window; 0 when it has none.
+  unsigned WindowId(cfForm& form) const;
   // What the window shows now, read back from the screen, as PNG.
   Bytes WindowPng(cfForm& form);
   // Called once, after the first picture reached a window.
@@ -48,11 +52,15 @@ class SdlBackend : public UiBackend {
     int w = 0, h = 0;
   };
   cfForm* FormOf(unsigned windowId) const;
+  bool TakePending(UiEvent& event);
+  // SDL's event as the program's; false for those it keeps to itself.
+  bool Translate(const SDL_Event& e, UiEvent& event);
   static void FollowWindow(cfForm& form, SDL_Window* window);
   std::map<cfForm*, Window> windows_;
   std::map<int, SDL_Cursor*> cursors_;
   SDL_Cursor* dragCursor_ = nullptr;
   bool firstFrame_ = true;
+  std::vector<UiEvent> pending_;  // characters of one text input still to deliver
 };
 
 }  // namespace qds

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/Bytes.h"
 #include "platform/DrawingSurface.h"
 #include "platform/ui/Form.h"
 #include "platform/ui/PlatformRoot.h"
@@ -43,8 +44,9 @@ class UiDriver {
     Push(qds::UiEvent::Type::KeyUp, form, 0, shift, keyCode, 0, 0);
     root_.DoEvents();
   }
+  // One key press per character, as its code point.
   void Type(qds::cfForm& form, const std::string& text) {
-    for (char c : text) Push(qds::UiEvent::Type::KeyPress, form, 0, 0, static_cast<unsigned char>(c), 0, 0);
+    for (char32_t c : qds::DecodeUtf8(text)) Push(qds::UiEvent::Type::KeyPress, form, 0, 0, static_cast<int>(c), 0, 0);
     root_.DoEvents();
   }
   // A copy of what the form shows now; later painting leaves it alone.

@@ -259,6 +259,18 @@ TEST_F(Ui, AModalFormBlocksItsOwnerUntilClosed) {
 
   // A loop with nothing to wait for says so instead of hanging.
   EXPECT_THROW(root.RunMessageLoop(), AppError);
+
+  // Work deferred while painting (a screenshot of the first frame) runs
+  // without waiting for another event.
+  struct ClosesWhenPainted : cfForm {
+    void W_Paint(DrawingContext&, double, double) override {
+      PlatformRoot::Current()->DeferredInvoke([this] { Close(); });
+    }
+  } painted;
+  form.Close();
+  painted.Show();
+  EXPECT_NO_THROW(root.RunMessageLoop());
+  EXPECT_FALSE(painted.Showing());
 }
 
 TEST_F(Ui, DragsDropOnTheWidgetUnderTheMouseAndPopUpsCloseOutside) {

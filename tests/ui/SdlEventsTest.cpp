@@ -1,0 +1,92 @@
+// SDL's events as the program's: SDL runs here on its display-less video
+// driver, and the test posts what a window system would.
+
+#include <SDL.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "platform/DrawingSurface.h"
+#include "platform/ui/Form.h"
+#include "platform/ui/SdlBackend.h"
+
+using namespace qds;
+
+namespace {
+
+struct Recorder : Widget {
+  std::vector<std::string> log;
+  Recorder() : Widget("Recorder") { CanFocus = true; }
+  void W_KeyDown(int& key, int shift) override {
+    log.push_back("down " + std::to_string(key) + "/" + std::to_string(shift));
+  }
+  void W_KeyPress(int& c) override { log.push_back("press " + std::to_string(c)); }
+  bool W_MouseDown(int button, int, double x, double y) override {
+    log.push_back("mouse " + std::to_string(button) + " at " + std::to_string(int(x)) + "," +
+                  std::to_string(int(y)));
+    return true;
+  }
+};
+
+struct ResizingForm : cfForm {
+  int resized = 0;
+  void W_Resize() override { ++resized; }
+};
+
+}  // namespace
+
+TEST(SdlEvents, KeysTextMouseAndSizeChangesReachTheForm) {
+  ::setenv("SDL_VIDEODRIVER", "dummy", 1);
+  auto* sdl = new SdlBackend;
+  PlatformRoot root{std::unique_ptr<UiBackend>(sdl)};
+  ResizingForm form;
+  form.setZoom(2);
+  form.Move(0, 0, 100, 50);
+  form.Sizable = true;
+  Recorder& rec = form.Children().Add(std::make_unique<Recorder>(), "rec");
+  rec.Move(0, 0, 100, 50);
+  form.Show();
+  root.DoEvents();
+  rec.SetFocus();
+  const Uint32 window = sdl->WindowId(form);
+  ASSERT_NE(window, 0u);
+
+  SDL_Event e{};
+  e.type = SDL_KEYDOWN;
+  e.key.windowID = window;
+  e.key.keysym.sym = SDLK_LEFT;
+  e.key.keysym.mod = KMOD_LSHIFT | KMOD_LCTRL;
+  SDL_PushEvent(&e);
+  e = {};
+  e.type = SDL_TEXTINPUT;
+  e.text.windowID = window;
+  SDL_strlcpy(e.text.text, "a\xC3\xA9\xE2\x82\xAC", sizeof e.text.text);  // "aé€" at once
+  SDL_PushEvent(&e);
+  e = {};
+  e.type = SDL_MOUSEBUTTONDOWN;
+  e.button.windowID = window;
+  e.button.button = SDL_BUTTON_RIGHT;
+  e.button.clicks = 1;
+  e.button.x = 40, e.button.y = 20;  // device pixels: half that in units
+  SDL_PushEvent(&e);
+  root.DoEvents();
+  EXPECT_EQ(rec.log, (std::vector<std::string>{"down 37/3", "press 97", "press 233", "press 8364",
+                                               "mouse 2 at 20,10"}));
+
+  // The desktop sized the window: the form follows in units and lays out.
+  const int before = form.resized;
+  e = {};
+  e.type = SDL_WINDOWEVENT;
+  e.window.windowID = window;
+  e.window.event = SDL_WINDOWEVENT_SIZE_CHANGED;
+  e.window.data1 = 300, e.window.data2 = 120;
+  SDL_PushEvent(&e);
+  root.DoEvents();
+  EXPECT_EQ(form.Width(), 150);
+  EXPECT_EQ(form.Height(), 60);
+  EXPECT_EQ(form.resized, before + 1);
+  EXPECT_EQ(form.Surface()->Width(), 300);
+  form.Close();
+}

@@ -55,10 +55,10 @@ DemoWidgetsForm::DemoWidgetsForm() {
   horizontal.setValue(70);
 
   auto& menu = static_cast<cwMenu&>(Children().Add(CreateWidget("cwMenu"), "mnuDemo"));
-  menu.AddItem("Demo>Open", "Open…", "Logo");
+  menu.AddItem("Demo>Open", "&Open…", "Logo");
   menu.AddItem("Demo>Save", "Save", {}, false);
-  menu.AddItem("Demo>Close", "Close");
-  menu.AddItem("Demo>Export", "Export");
+  menu.AddItem("Demo>Close", "&Close");
+  menu.AddItem("Demo>Export", "&Export");
   menu.AddItem("Demo>Export>Png", "PNG");
   menu.AddItem("Demo>Export>Ico", "ICO");
   auto& more = static_cast<cwButton&>(Children().Add(CreateWidget("cwButton"), "btnMenu"));

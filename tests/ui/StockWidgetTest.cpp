@@ -15,6 +15,7 @@
 #include "platform/stock/cwMenu.h"
 #include "platform/stock/cwScrollBar.h"
 #include "platform/stock/cwTree.h"
+#include "tests/support/Golden.h"
 #include "tests/support/Pixels.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/UiDriver.h"
@@ -108,10 +109,14 @@ TEST(StockWidgets, LabelsFramesAndImagesDrawAndAreMadeByName) {
 
 TEST(StockWidgets, TheDemonstrationFormWorksWithoutADisplay) {
   UiDriver ui;
+  SvgRenderer renderer;
+  ImageList images(renderer);
+  ASSERT_TRUE(images.AddFromFile(QDS_SOURCE_DATA "/Quillaron.svg", "Logo", 128, 128));
+  ui.Root().setImages(&images);
   DemoWidgetsForm form;
   form.Show();
-  const SurfacePtr before = ui.Screenshot(form);
-  EXPECT_EQ(before->Width(), 580);
+  // Every stock widget in its place, drawn as it was when last looked at.
+  EXPECT_TRUE(MatchesGolden(ui.Screenshot(form), "demo_widgets"));
   cwButton& ok = static_cast<cwButton&>(form.Children().Item("frmButtons").Children().Item("btnOk"));
   ui.Click(ok);
   ui.Click(ok);
@@ -126,6 +131,7 @@ TEST(StockWidgets, TheDemonstrationFormWorksWithoutADisplay) {
   auto& menu = static_cast<cwMenu&>(form.Children().Item("mnuDemo"));
   ASSERT_TRUE(menu.IsOpen());
   cfForm& popup = *menu.PopupForm();
+  EXPECT_TRUE(MatchesGolden(ui.Screenshot(popup), "demo_menu"));
   ui.ClickAt(popup, 30, 2 * 24 + 12);
   EXPECT_EQ(status.Caption, "Chosen: Demo>Close");
 }

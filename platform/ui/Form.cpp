@@ -108,10 +108,14 @@ void cfForm::setState(WindowState state) {
   if (PlatformRoot* root = PlatformRoot::Current(); root && showing_) root->Backend().FormMoved(*this);
 }
 
-bool cfForm::Close() {
+bool cfForm::Close(int unloadMode) {
   if (!showing_) return true;
-  if (!Form_QueryUnload()) return false;
-  Form_Unload();
+  // A handler that fails has not refused: the window still closes.
+  bool agreed = true;
+  RunHandler(TypeName() + ":Form_QueryUnload", HandlerMode::Report,
+             [&] { agreed = Form_QueryUnload(unloadMode); });
+  if (!agreed) return false;
+  RunHandler(TypeName() + ":Form_Unload", HandlerMode::Report, [&] { Form_Unload(); });
   showing_ = false;
   if (PlatformRoot* root = PlatformRoot::Current()) root->FormClosed(*this);
   return true;

@@ -11,6 +11,11 @@
 
 namespace qds {
 
+// Who closes a form: the user by the window's close box, or the program.
+namespace UnloadMode {
+constexpr int ControlMenu = 0, Code = 1;
+}
+
 class cfForm : public Widget {
  public:
   cfForm();
@@ -46,7 +51,7 @@ class cfForm : public Widget {
 
   void Show();
   // Asks Form_QueryUnload; on yes runs Form_Unload and closes.
-  bool Close();
+  bool Close(int unloadMode = UnloadMode::Code);
   bool Showing() const { return showing_; }
   // A pop-up closes when the mouse is pressed outside it, on another form.
   bool PopUp = false;
@@ -95,7 +100,11 @@ class cfForm : public Widget {
     (void)source, (void)name, (void)args;
   }
   virtual void Form_KeyDown(int& keyCode, int shift) { (void)keyCode, (void)shift; }
-  virtual bool Form_QueryUnload() { return true; }
+  // Whether the form may close; `unloadMode` says who asks.
+  virtual bool Form_QueryUnload(int unloadMode) {
+    (void)unloadMode;
+    return true;
+  }
   virtual void Form_Unload() {}
 
  private:

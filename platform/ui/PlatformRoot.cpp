@@ -185,7 +185,7 @@ void PlatformRoot::Dispatch(const UiEvent& e) {
       f->KeyPress(e.key);
       break;
     case UiEvent::Type::Close:
-      f->Close();
+      f->Close(UnloadMode::ControlMenu);
       break;
   }
 }

@@ -52,6 +52,10 @@ struct TestForm : cfForm {
   std::vector<std::string> bubbled;
   std::vector<int> keys;
   bool swallowEscape = false;
+  bool keepOnCloseBox = false;
+  int unloaded = 0;
+  bool Form_QueryUnload(int mode) override { return !(keepOnCloseBox && mode == UnloadMode::ControlMenu); }
+  void Form_Unload() override { ++unloaded; }
   void Form_BubblingEvent(Widget& source, const std::string& name, const std::vector<Value>& args) override {
     bubbled.push_back(source.Key() + ":" + name + (args.empty() ? "" : ":" + args[0].AsString()));
   }
@@ -240,19 +244,25 @@ TEST_F(Ui, AModalFormBlocksItsOwnerUntilClosed) {
   close.Move(30, 20, 10, 10);
   int step = 0;
   child->log.clear();
-  // The user clicks the owner (ignored), then the dialog's close box.
+  dialog.keepOnCloseBox = true;
+  // The user clicks the owner (ignored), the window's close box (refused by
+  // the dialog), then the dialog's own close button.
   backend->OnIdle = [&] {
     if (step == 0) {
       backend->Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 45, 35});
     } else if (step == 1) {
+      backend->Push({UiEvent::Type::Close, &dialog});
+    } else if (step == 2) {
+      EXPECT_TRUE(dialog.Showing());
       backend->Push({UiEvent::Type::MouseUp, &dialog, Button::Left, 0, 0, 35, 25});
     }
     ++step;
   };
   root.RunModal(dialog);
   EXPECT_FALSE(dialog.Showing());
+  EXPECT_EQ(dialog.unloaded, 1);
   EXPECT_TRUE(child->log.empty());  // the owner took nothing while the dialog was up
-  EXPECT_EQ(step, 2);
+  EXPECT_EQ(step, 3);
   backend->OnIdle = nullptr;
   Click(45, 35);
   EXPECT_FALSE(child->log.empty());  // and takes input again

@@ -181,15 +181,22 @@ Widget& cfForm::HitTest(double x, double y) {
 }
 
 template <class Handler>
-void cfForm::Route(Widget* start, double fx, double fy, Handler handler) {
+void cfForm::Route(Widget* start, double fx, double fy, const char* name, int button, int shift,
+                   Handler handler) {
   // From the widget up to the form, until one takes the input; each gets
   // the point in its own coordinates.
   for (Widget* w = start; w; w = w->Parent()) {
     double ox, oy;
     w->FormPosition(ox, oy);
     bool taken = false;
-    RunHandler(w->TypeName() + ":input", HandlerMode::Report, [&] { taken = handler(*w, fx - ox, fy - oy); });
-    if (taken) return;
+    RunHandler(w->TypeName() + ":" + name, HandlerMode::Report, [&] { taken = handler(*w, fx - ox, fy - oy); });
+    if (taken) break;
+  }
+  // Then the event goes up the tree by name, from the widget it was meant for.
+  if (start && start != this) {
+    double ox, oy;
+    start->FormPosition(ox, oy);
+    start->RaiseBubblingEvent(name, {Value(button), Value(shift), Value(fx - ox), Value(fy - oy)});
   }
 }
 
@@ -242,8 +249,14 @@ void cfForm::UpdateHover(Widget* now) {
   if (PlatformRoot* root = PlatformRoot::Current(); root && now && !now->ToolTip.empty()) {
     tipTimer_ = root->SetTimer(this, kToolTipDelayMs, [this] { ShowToolTip(); });
   }
-  if (old) RunHandler(old->TypeName() + ":W_MouseLeave", HandlerMode::Report, [&] { old->W_MouseLeave(); });
-  if (now) RunHandler(now->TypeName() + ":W_MouseEnter", HandlerMode::Report, [&] { now->W_MouseEnter(); });
+  if (old) {
+    RunHandler(old->TypeName() + ":W_MouseLeave", HandlerMode::Report, [&] { old->W_MouseLeave(); });
+    if (old != this) old->RaiseBubblingEvent("W_MouseLeave");
+  }
+  if (now) {
+    RunHandler(now->TypeName() + ":W_MouseEnter", HandlerMode::Report, [&] { now->W_MouseEnter(); });
+    if (now != this) now->RaiseBubblingEvent("W_MouseEnter");
+  }
 }
 
 int cfForm::ResizeEdgeAt(double x, double y) const {
@@ -294,7 +307,8 @@ void cfForm::MouseDown(int button, int shift, double x, double y) {
       break;
     }
   }
-  Route(target, x / zoom_, y / zoom_,
+  if (button == Button::Left) clickTarget_ = target;
+  Route(target, x / zoom_, y / zoom_, "W_MouseDown", button, shift,
         [&](Widget& w, double lx, double ly) { return w.W_MouseDown(button, shift, lx, ly); });
   // A frameless form is moved by its top, where nothing else took the press.
   if (Borderless && button == Button::Left && target == this && y / zoom_ < DragRegionHeight &&
@@ -324,7 +338,7 @@ void cfForm::MouseMove(int button, int shift, double x, double y) {
     const int edges = capture_ ? 0 : ResizeEdgeAt(x, y);
     root->ShowWidgetCursor(edges ? EdgeCursor(edges) : (capture_ ? capture_ : under)->MouseCursor);
   }
-  Route(capture_ ? capture_ : under, x / zoom_, y / zoom_,
+  Route(capture_ ? capture_ : under, x / zoom_, y / zoom_, "W_MouseMove", button, shift,
         [&](Widget& w, double lx, double ly) { return w.W_MouseMove(button, shift, lx, ly); });
 }
 
@@ -337,19 +351,26 @@ void cfForm::MouseUp(int button, int shift, double x, double y) {
     return;
   }
   Widget* target = capture_ ? capture_ : &HitTest(x, y);
-  Route(target, x / zoom_, y / zoom_,
+  Route(target, x / zoom_, y / zoom_, "W_MouseUp", button, shift,
         [&](Widget& w, double lx, double ly) { return w.W_MouseUp(button, shift, lx, ly); });
+  // Down and up on the same widget make a click.
+  Widget* pressed = button == Button::Left ? clickTarget_ : nullptr;
+  if (button == Button::Left) clickTarget_ = nullptr;
+  if (pressed && pressed != this && pressed == &HitTest(x, y)) {
+    RunHandler(pressed->TypeName() + ":W_Click", HandlerMode::Report, [&] { pressed->W_Click(); });
+    pressed->RaiseBubblingEvent("W_Click");
+  }
 }
 
 void cfForm::DblClick(int button, int shift, double x, double y) {
   if (disabledByModal_) return;
-  Route(&HitTest(x, y), x / zoom_, y / zoom_,
+  Route(&HitTest(x, y), x / zoom_, y / zoom_, "W_DblClick", button, shift,
         [&](Widget& w, double lx, double ly) { return w.W_DblClick(button, shift, lx, ly); });
 }
 
 void cfForm::MouseWheel(int delta, int shift, double x, double y) {
   if (disabledByModal_) return;
-  Route(&HitTest(x, y), x / zoom_, y / zoom_,
+  Route(&HitTest(x, y), x / zoom_, y / zoom_, "W_MouseWheel", delta, shift,
         [&](Widget& w, double lx, double ly) { return w.W_MouseWheel(delta, shift, lx, ly); });
 }
 
@@ -362,8 +383,10 @@ void cfForm::KeyDown(int keyCode, int shift) {
       AccessKey(*this, static_cast<char>(keyCode))) {
     return;
   }
-  if (Widget* w = focus_)
+  if (Widget* w = focus_) {
     RunHandler(w->TypeName() + ":W_KeyDown", HandlerMode::Report, [&] { w->W_KeyDown(keyCode, shift); });
+    BubbleKey(w, "W_KeyDown", keyCode, shift);
+  }
   // Tab, when the focused widget has no use for it, moves the focus on.
   if (keyCode == Key::Tab && !(shift & Shift::Ctrl)) MoveFocus((shift & Shift::ShiftKey) ? -1 : 1);
 }
@@ -400,14 +423,23 @@ void cfForm::MoveFocus(int step) {
 
 void cfForm::KeyUp(int keyCode, int shift) {
   if (disabledByModal_) return;
-  if (Widget* w = focus_)
+  if (Widget* w = focus_) {
     RunHandler(w->TypeName() + ":W_KeyUp", HandlerMode::Report, [&] { w->W_KeyUp(keyCode, shift); });
+    BubbleKey(w, "W_KeyUp", keyCode, shift);
+  }
 }
 
 void cfForm::KeyPress(int keyAscii) {
   if (disabledByModal_) return;
-  if (Widget* w = focus_)
+  if (Widget* w = focus_) {
     RunHandler(w->TypeName() + ":W_KeyPress", HandlerMode::Report, [&] { w->W_KeyPress(keyAscii); });
+    BubbleKey(w, "W_KeyPress", keyAscii, 0);
+  }
+}
+
+void cfForm::BubbleKey(Widget* w, const char* name, int keyCode, int shift) {
+  // A key the widget used up (cleared to 0) goes no further.
+  if (w != this && keyCode != 0) w->RaiseBubblingEvent(name, {Value(keyCode), Value(shift)});
 }
 
 void cfForm::SetFocusTo(Widget* w) {
@@ -416,10 +448,12 @@ void cfForm::SetFocusTo(Widget* w) {
   focus_ = w;
   if (old) {
     RunHandler(old->TypeName() + ":W_LostFocus", HandlerMode::Report, [&] { old->W_LostFocus(); });
+    if (old != this) old->RaiseBubblingEvent("W_LostFocus");
     old->Refresh();
   }
   if (w) {
     RunHandler(w->TypeName() + ":W_GotFocus", HandlerMode::Report, [&] { w->W_GotFocus(); });
+    if (w != this) w->RaiseBubblingEvent("W_GotFocus");
     w->Refresh();
   }
 }
@@ -427,6 +461,7 @@ void cfForm::SetFocusTo(Widget* w) {
 void cfForm::Forget(const Widget& gone) {
   if (Within(gone, focus_)) focus_ = nullptr;
   if (Within(gone, capture_)) capture_ = nullptr;
+  if (Within(gone, clickTarget_)) clickTarget_ = nullptr;
   if (Within(gone, hover_)) {
     hover_ = nullptr;
     HideToolTip();

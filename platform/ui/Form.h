@@ -112,11 +112,12 @@ class cfForm : public Widget {
   friend class Widgets;
   friend class PlatformRoot;
   void SetFocusTo(Widget* w);
+  void BubbleKey(Widget* w, const char* name, int keyCode, int shift);
   bool AccessKey(Widget& w, char letter);
   void MoveFocus(int step);
   void Forget(const Widget& gone);  // a widget left the tree
   template <class Handler>
-  void Route(Widget* start, double fx, double fy, Handler handler);
+  void Route(Widget* start, double fx, double fy, const char* name, int button, int shift, Handler handler);
   void UpdateHover(Widget* now);
   // Which borders of a sizable frameless form a device point is on
   // (Edge flags), 0 when none or when the form cannot be sized.
@@ -136,6 +137,7 @@ class cfForm : public Widget {
   Widget* focus_ = nullptr;
   Widget* capture_ = nullptr;
   Widget* hover_ = nullptr;
+  Widget* clickTarget_ = nullptr;  // where the left button went down
   double mouseX_ = 0, mouseY_ = 0;
   int buttons_ = 0;
   bool movingWindow_ = false;

@@ -140,7 +140,13 @@ void Widget::StartDrag(const std::string& dataKey, const std::string& pictureKey
 }
 
 void Widget::RaiseBubblingEvent(const std::string& name, const std::vector<Value>& args) {
-  if (cfForm* form = Form()) form->Form_BubblingEvent(*this, name, args);
+  cfForm* form = Form();
+  if (!form) return;  // not on a form: nobody to hear it
+  for (Widget* w = parent_; w && w != form; w = w->parent_) {
+    RunHandler(w->typeName_ + ":W_BubblingEvent", HandlerMode::Report, [&] { w->W_BubblingEvent(*this, name, args); });
+  }
+  RunHandler(form->typeName_ + ":Form_BubblingEvent", HandlerMode::Report,
+             [&] { form->Form_BubblingEvent(*this, name, args); });
 }
 
 }  // namespace qds

@@ -111,7 +111,11 @@ class Widget {
   // Starts a drag that carries `dataKey`, showing `pictureKey` at the mouse.
   void StartDrag(const std::string& dataKey, const std::string& pictureKey = {});
 
-  // Raises `name` up the tree to the form's Form_BubblingEvent.
+  // Raises `name` up the tree: each ancestor's W_BubblingEvent hears it,
+  // and last the form's Form_BubblingEvent. The platform raises its own
+  // events this way too, under their names ("W_MouseDown", "W_Click", ...),
+  // with the arguments of the handler (mouse: button, shift, x, y; keys:
+  // key code, shift).
   void RaiseBubblingEvent(const std::string& name, const std::vector<Value>& args = {});
 
   // Events. Mouse handlers answer whether they took the input; what a
@@ -125,6 +129,8 @@ class Widget {
   virtual bool W_MouseUp(int button, int shift, double x, double y) { return Ignore(button, shift, x, y); }
   virtual bool W_DblClick(int button, int shift, double x, double y) { return Ignore(button, shift, x, y); }
   virtual bool W_MouseWheel(int delta, int shift, double x, double y) { return Ignore(delta, shift, x, y); }
+  // The left button went down and up on this widget.
+  virtual void W_Click() {}
   // The widget's size changed (by Move), so it may lay out its children.
   virtual void W_Resize() {}
   virtual void W_MouseEnter() {}
@@ -144,6 +150,10 @@ class Widget {
   }
   virtual void W_GotFocus() {}
   virtual void W_LostFocus() {}
+  // An event raised by a widget below this one, on its way to the form.
+  virtual void W_BubblingEvent(Widget& source, const std::string& name, const std::vector<Value>& args) {
+    (void)source, (void)name, (void)args;
+  }
 
  private:
   friend class Widgets;

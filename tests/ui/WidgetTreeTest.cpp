@@ -46,6 +46,10 @@ struct Probe : Widget {
     log.push_back("key " + std::to_string(key) + "/" + std::to_string(shift));
   }
   void W_KeyPress(int& ascii) override { log.push_back(std::string("press ") + char(ascii)); }
+  std::vector<std::string> heard;  // events bubbling up from below
+  void W_BubblingEvent(Widget& source, const std::string& name, const std::vector<Value>&) override {
+    heard.push_back(source.Key() + ":" + name);
+  }
 };
 
 struct TestForm : cfForm {
@@ -182,8 +186,22 @@ TEST_F(Ui, KeysReachTheFormFirstThenTheFocusAndEventsBubble) {
   EXPECT_EQ(form.keys, (std::vector<int>{Key::Left, Key::Escape}));
   EXPECT_EQ(child->log, (std::vector<std::string>{"got focus", "key 37/2", "press q"}));  // no Escape
 
+  // The platform's own events bubble by name with their arguments, each
+  // ancestor hearing them before the form; a key the form swallowed does not.
   child->RaiseBubblingEvent("Click", {Value(3)});
-  EXPECT_EQ(form.bubbled, (std::vector<std::string>{"child:Click:3"}));
+  EXPECT_EQ(form.bubbled, (std::vector<std::string>{"child:W_GotFocus", "child:W_KeyDown:37", "child:W_KeyPress:113",
+                                                    "child:Click:3"}));
+  EXPECT_EQ(panel->heard, (std::vector<std::string>{"child:W_GotFocus", "child:W_KeyDown", "child:W_KeyPress",
+                                                    "child:Click"}));
+  // Down and up on one widget is a click; released elsewhere, it is not.
+  panel->heard.clear();
+  Click(45, 35);
+  EXPECT_EQ(panel->heard, (std::vector<std::string>{"child:W_MouseDown", "child:W_MouseUp", "child:W_Click"}));
+  panel->heard.clear();
+  backend->Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 45, 35});
+  backend->Push({UiEvent::Type::MouseUp, &form, Button::Left, 0, 0, 5, 5});
+  root.DoEvents();
+  EXPECT_EQ(panel->heard, (std::vector<std::string>{"child:W_MouseDown"}));
 
   // Removing the focused widget forgets it; it is deleted after the turn.
   std::weak_ptr<int> alive;

@@ -52,7 +52,11 @@ void cwDropDown::OpenDropDown() {
     popup_->setZoom(owner->Zoom());
   }
   // A form's place is in screen pixels; the box's in the owner's units.
-  popup_->Move(screenX + x * popup_->Zoom(), screenY + (y + Height()) * popup_->Zoom(), Width(), DropHeight);
+  // Under the box, or over it where the screen ends.
+  const double zoom = popup_->Zoom();
+  popup_->Move(0, 0, Width(), DropHeight);
+  popup_->PlacePopUp(screenX + x * zoom, screenY + (y + Height()) * zoom, screenY + y * zoom,
+                     screenX + (x + Width()) * zoom);
   if (content_) content_->Move(0, 0, Width(), DropHeight);
   popup_->Show();
   Refresh();

@@ -19,8 +19,9 @@ constexpr double kPictureSide = 16;
 class MenuPopUp : public cfForm {
  public:
   // Null when `root` has no items. The point is in screen pixels.
+  // Where it does not fit, it ends at (flipRight, flipBottom) instead.
   static std::shared_ptr<MenuPopUp> Open(cwMenu& menu, const std::string& root, MenuPopUp* parent, double x,
-                                         double y, double zoom) {
+                                         double y, double flipRight, double flipBottom, double zoom) {
     std::vector<cwMenu::MenuItem> rows;
     for (const cwMenu::MenuItem* item : menu.ItemsUnder(root)) rows.push_back(*item);
     if (rows.empty()) return nullptr;
@@ -31,6 +32,7 @@ class MenuPopUp : public cfForm {
     auto popup = std::make_shared<MenuPopUp>(menu, parent, std::move(rows));
     popup->setZoom(zoom);
     popup->Move(x, y, width, static_cast<double>(popup->rows_.size()) * kRowHeight);
+    popup->PlacePopUp(x, y, flipBottom, flipRight);
     popup->Show();
     return popup;
   }
@@ -152,8 +154,10 @@ class MenuPopUp : public cfForm {
     if (childRow_ == row && child_ && child_->Showing()) return;
     CloseChild();
     if (!menu_) return;
-    child_ = Open(*menu_, rows_[row].key, this, Left() + Width() * Zoom() - 4,
-                  Top() + static_cast<double>(row) * kRowHeight * Zoom(), Zoom());
+    // Beside the row; at the screen's edges, left of this menu or up from the row's foot.
+    const double rowTop = Top() + static_cast<double>(row) * kRowHeight * Zoom();
+    child_ = Open(*menu_, rows_[row].key, this, Left() + Width() * Zoom() - 4, rowTop, Left() + 4,
+                  rowTop + kRowHeight * Zoom(), Zoom());
     childRow_ = row;
   }
   void CloseChild() {
@@ -204,8 +208,9 @@ void cwMenu::ShowPopup(const std::string& root, double x, double y) {
   const cfForm* owner = Form();
   const double zoom = owner ? owner->Zoom() : 1;
   // A form's place is in screen pixels; the point is in the owner's units.
-  popup_ = MenuPopUp::Open(*this, root, nullptr, (owner ? owner->Left() : 0) + x * zoom,
-                           (owner ? owner->Top() : 0) + y * zoom, zoom);
+  // A menu that does not fit below or right of the point ends at it.
+  const double sx = (owner ? owner->Left() : 0) + x * zoom, sy = (owner ? owner->Top() : 0) + y * zoom;
+  popup_ = MenuPopUp::Open(*this, root, nullptr, sx, sy, sx, sy, zoom);
 }
 
 cfForm* cwMenu::SubPopupForm() const {

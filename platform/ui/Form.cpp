@@ -108,6 +108,18 @@ void cfForm::setState(WindowState state) {
   if (PlatformRoot* root = PlatformRoot::Current(); root && showing_) root->Backend().FormMoved(*this);
 }
 
+void cfForm::PlacePopUp(double x, double y, double flipBottom, double flipRight) {
+  double ax = 0, ay = 0, aw = 0, ah = 0;
+  if (PlatformRoot* root = PlatformRoot::Current()) root->Backend().WorkArea(ax, ay, aw, ah);
+  const double w = Width() * zoom_, h = Height() * zoom_;
+  if (y + h > ay + ah) y = flipBottom - h;
+  if (x + w > ax + aw) x = flipRight - w;
+  x = std::clamp(x, ax, std::max(ax, ax + aw - w));
+  y = std::clamp(y, ay, std::max(ay, ay + ah - h));
+  Move(x, y, Width(), Height());
+  if (PlatformRoot* root = PlatformRoot::Current(); root && showing_) root->Backend().FormMoved(*this);
+}
+
 bool cfForm::Close(int unloadMode) {
   if (!showing_) return true;
   // A handler that fails has not refused: the window still closes.
@@ -225,7 +237,10 @@ void cfForm::ShowToolTip() {
   const TextSize size = MeasureUiText(hover_->ToolTip);
   tip_ = std::make_shared<ToolTipForm>(hover_->ToolTip);
   tip_->setZoom(zoom_);
-  tip_->Move(Left() + mouseX_, Top() + mouseY_ + 20 * zoom_, size.width + 12, size.height + 8);
+  tip_->Move(0, 0, size.width + 12, size.height + 8);
+  // Under the mouse, or above it at the bottom of the screen.
+  tip_->PlacePopUp(Left() + mouseX_, Top() + mouseY_ + 20 * zoom_, Top() + mouseY_ - 4 * zoom_,
+                   Left() + mouseX_);
   tip_->Show();
 }
 

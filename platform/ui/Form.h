@@ -61,6 +61,11 @@ class cfForm : public Widget {
   // While open, a pop-up takes the keys typed in any window; a tip does not.
   bool TakesKeyboard = true;
   bool Modal() const { return modal_; }
+  // Puts a pop-up of the present size at (x, y), screen pixels, and keeps it
+  // on the work area: where it would run off the bottom it ends at
+  // `flipBottom` instead (above what opened it), off the right it ends at
+  // `flipRight`; then it is pushed inside.
+  void PlacePopUp(double x, double y, double flipBottom, double flipRight);
 
   // The picture of the form in device pixels, painted when dirty.
   const SurfacePtr& Surface();

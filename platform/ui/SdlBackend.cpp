@@ -207,6 +207,11 @@ void SdlBackend::FormShown(cfForm& form) {
                                                 : SDL_WINDOW_SHOWN);
   if (!w.window) Raise(ErrNo::InvalidArgument, std::string("No window: ") + SDL_GetError(), "SdlBackend");
   if (!popUp) FollowWindow(form, w.window);
+  if (form.Sizable && !form.Borderless) {
+    // The desktop's frame must not make it smaller than its layout allows.
+    SDL_SetWindowMinimumSize(w.window, static_cast<int>(std::ceil(form.MinWidth * form.Zoom())),
+                             static_cast<int>(std::ceil(form.MinHeight * form.Zoom())));
+  }
   w.renderer = SDL_CreateRenderer(w.window, -1, SDL_RENDERER_SOFTWARE);
   w.texture = SDL_CreateTexture(w.renderer, SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STREAMING, w.w, w.h);
   windows_[&form] = w;

@@ -281,12 +281,29 @@ TEST(StockWidgets, MenusListTheirRootsItemsAndCloseOnAChoiceEscapeOrAClickElsewh
   menu.ShowPopup("View", 0, 0);
   EXPECT_FALSE(menu.IsOpen());
 
+  // In the corner of the work area, a menu ends at the point it was opened
+  // at, and a sub-menu opens on the left of its menu.
+  double ax, ay, aw, ah;
+  ui.Backend().WorkArea(ax, ay, aw, ah);
+  form.Move(ax + aw - 20, ay + ah - 20, 300, 200);
+  menu.ShowPopup("File", 0, 0);
+  cfForm& cornered = *menu.PopupForm();
+  EXPECT_EQ(cornered.Left() + cornered.Width(), ax + aw - 20);
+  EXPECT_EQ(cornered.Top() + cornered.Height(), ay + ah - 20);
+  clickRow(cornered, 2);
+  ASSERT_NE(menu.SubPopupForm(), nullptr);
+  EXPECT_LE(menu.SubPopupForm()->Left() + menu.SubPopupForm()->Width(), cornered.Left() + 4);
+  EXPECT_LE(menu.SubPopupForm()->Top() + menu.SubPopupForm()->Height(), ay + ah);
+  ui.Press(form, Key::Escape);
+  ui.Press(form, Key::Escape);
+  EXPECT_EQ(gone, 7);
+
   // The menu going while open takes its pop-ups with it, quietly.
   menu.ShowPopup("File", 0, 0);
   clickRow(*menu.PopupForm(), 2);
   form.Children().Remove("mnu");
   ui.Root().DoEvents();
-  EXPECT_EQ(gone, 6);
+  EXPECT_EQ(gone, 7);
 }
 
 TEST(StockWidgets, ADropDownShowsItsContentUnderItselfAndTogglesOnItsBox) {

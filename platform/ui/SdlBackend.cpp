@@ -72,13 +72,45 @@ int KeyCode(SDL_Keycode k) {
       return Key::Down;
     case SDLK_DELETE:
       return Key::Delete;
+    case SDLK_INSERT:
+      return Key::Insert;
+    case SDLK_PRINTSCREEN:
+      return Key::PrintScreen;
+    case SDLK_LSHIFT:
+    case SDLK_RSHIFT:
+      return Key::ShiftKey;
+    case SDLK_LCTRL:
+    case SDLK_RCTRL:
+      return Key::Control;
+    case SDLK_LALT:
+    case SDLK_RALT:
+      return Key::AltKey;
+    case SDLK_KP_MULTIPLY:
+      return 106;
+    case SDLK_KP_PLUS:
+      return 107;
+    case SDLK_KP_MINUS:
+      return 109;
+    case SDLK_KP_PERIOD:
+      return 110;
+    case SDLK_KP_DIVIDE:
+      return 111;
+    case SDLK_KP_0:
+      return Key::Numpad0;
     default:
       break;
   }
   if (k >= SDLK_a && k <= SDLK_z) return 'A' + (k - SDLK_a);
   if (k >= SDLK_0 && k <= SDLK_9) return '0' + (k - SDLK_0);
-  if (k >= SDLK_F1 && k <= SDLK_F12) return 112 + (k - SDLK_F1);
-  return 0;
+  if (k >= SDLK_F1 && k <= SDLK_F12) return Key::F1 + (k - SDLK_F1);
+  if (k >= SDLK_KP_1 && k <= SDLK_KP_9) return Key::Numpad0 + 1 + (k - SDLK_KP_1);
+  // The punctuation keys of a US layout, as the old runtime numbered them.
+  static const std::map<SDL_Keycode, int> kPunctuation = {
+      {SDLK_SEMICOLON, 186}, {SDLK_EQUALS, 187},       {SDLK_COMMA, 188},        {SDLK_MINUS, 189},
+      {SDLK_PERIOD, 190},    {SDLK_SLASH, 191},        {SDLK_BACKQUOTE, 192},    {SDLK_LEFTBRACKET, 219},
+      {SDLK_BACKSLASH, 220}, {SDLK_RIGHTBRACKET, 221}, {SDLK_QUOTE, 222}};
+  const auto it = kPunctuation.find(k);
+  return it == kPunctuation.end() ? 0 : it->second;
 }
 
 // A copy of the picture as SDL wants it for icons and cursors: straight

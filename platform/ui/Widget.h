@@ -20,8 +20,9 @@ class Widget;
 
 // Key codes and flags as the program's handlers expect them.
 namespace Key {
-constexpr int Back = 8, Tab = 9, Return = 13, Escape = 27, Space = 32, PageUp = 33, PageDown = 34, End = 35,
-              Home = 36, Left = 37, Up = 38, Right = 39, Down = 40, Delete = 46;
+constexpr int Back = 8, Tab = 9, Return = 13, ShiftKey = 16, Control = 17, AltKey = 18, Escape = 27, Space = 32,
+              PageUp = 33, PageDown = 34, End = 35, Home = 36, Left = 37, Up = 38, Right = 39, Down = 40,
+              PrintScreen = 44, Insert = 45, Delete = 46, Numpad0 = 96, F1 = 112;
 }
 namespace Shift {
 constexpr int None = 0, ShiftKey = 1, Ctrl = 2, Alt = 4;

@@ -54,11 +54,15 @@ TEST(SdlEvents, KeysTextMouseAndSizeChangesReachTheForm) {
   ASSERT_NE(window, 0u);
 
   SDL_Event e{};
-  e.type = SDL_KEYDOWN;
-  e.key.windowID = window;
-  e.key.keysym.sym = SDLK_LEFT;
-  e.key.keysym.mod = KMOD_LSHIFT | KMOD_LCTRL;
-  SDL_PushEvent(&e);
+  // Keys as the handlers number them: an arrow, Alt alone, the numeric pad, punctuation.
+  for (SDL_Keycode key : {SDLK_LEFT, SDLK_RALT, SDLK_KP_7, SDLK_MINUS, SDLK_F5}) {
+    e = {};
+    e.type = SDL_KEYDOWN;
+    e.key.windowID = window;
+    e.key.keysym.sym = key;
+    e.key.keysym.mod = key == SDLK_LEFT ? KMOD_LSHIFT | KMOD_LCTRL : KMOD_NONE;
+    SDL_PushEvent(&e);
+  }
   e = {};
   e.type = SDL_TEXTINPUT;
   e.text.windowID = window;
@@ -72,8 +76,8 @@ TEST(SdlEvents, KeysTextMouseAndSizeChangesReachTheForm) {
   e.button.x = 40, e.button.y = 20;  // device pixels: half that in units
   SDL_PushEvent(&e);
   root.DoEvents();
-  EXPECT_EQ(rec.log, (std::vector<std::string>{"down 37/3", "press 97", "press 233", "press 8364",
-                                               "mouse 2 at 20,10"}));
+  EXPECT_EQ(rec.log, (std::vector<std::string>{"down 37/3", "down 18/0", "down 103/0", "down 189/0", "down 116/0",
+                                               "press 97", "press 233", "press 8364", "mouse 2 at 20,10"}));
 
   // The desktop sized the window: the form follows in units and lays out.
   const int before = form.resized;

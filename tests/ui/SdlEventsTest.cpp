@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "platform/DrawingSurface.h"
@@ -92,5 +93,14 @@ TEST(SdlEvents, KeysTextMouseAndSizeChangesReachTheForm) {
   EXPECT_EQ(form.Height(), 60);
   EXPECT_EQ(form.resized, before + 1);
   EXPECT_EQ(form.Surface()->Width(), 300);
-  form.Close();
+
+  // A timer fires in real time on the loop's own thread; the loop waits for
+  // it and ends with the last window.
+  std::thread::id firedOn;
+  root.SetTimer(&form, 5, [&] {
+    firedOn = std::this_thread::get_id();
+    form.Close();
+  });
+  root.RunMessageLoop();
+  EXPECT_EQ(firedOn, std::this_thread::get_id());
 }

@@ -134,6 +134,15 @@ void PlatformRoot::Dispatch(const UiEvent& e) {
       }
     }
   }
+  if (e.type == UiEvent::Type::MouseDown && f->disabledByModal_) {
+    // A click on a window under a modal dialog shows the user the dialog.
+    for (auto it = forms_.rbegin(); it != forms_.rend(); ++it) {
+      if ((*it)->Modal() && !(*it)->disabledByModal_) {
+        backend_->BringToFront(**it);
+        break;
+      }
+    }
+  }
   if (e.type == UiEvent::Type::MouseDown) {
     // A press anywhere else closes the pop-ups that are open, but not those
     // the pressed one was opened from.

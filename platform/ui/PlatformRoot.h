@@ -39,6 +39,9 @@ class UiBackend {
   // The form was moved or resized, or its icon changed.
   virtual void FormMoved(cfForm& form) { (void)form; }
   virtual void FormIconChanged(cfForm& form) { (void)form; }
+  // Brings the form's window above the others (a modal dialog whose owner was clicked).
+  virtual void BringToFront(cfForm& form) { front_ = &form; }
+  cfForm* FrontForm() const { return front_; }
   // The part of the screen forms may cover, without the desktop's panels.
   virtual void WorkArea(double& x, double& y, double& w, double& h) { x = 0, y = 0, w = 1920, h = 1040; }
   // The form's surface has changed in the given device rectangle.
@@ -56,6 +59,7 @@ class UiBackend {
 
  private:
   int cursor_ = 32512;
+  cfForm* front_ = nullptr;
   SurfacePtr cursorPicture_;
   std::string clipboard_;
 };

@@ -239,6 +239,15 @@ void SdlBackend::FormShown(cfForm& form) {
                                                 : SDL_WINDOW_SHOWN);
   if (!w.window) Raise(ErrNo::InvalidArgument, std::string("No window: ") + SDL_GetError(), "SdlBackend");
   if (!popUp) FollowWindow(form, w.window);
+  if (form.Modal()) {
+    // The desktop keeps a modal dialog above the window it belongs to.
+    for (const auto& [other, ow] : windows_) {
+      if (!other->PopUp && !other->Modal()) {
+        SDL_SetWindowModalFor(w.window, ow.window);
+        break;
+      }
+    }
+  }
   if (form.Sizable && !form.Borderless) {
     // The desktop's frame must not make it smaller than its layout allows.
     SDL_SetWindowMinimumSize(w.window, static_cast<int>(std::ceil(form.MinWidth * form.Zoom())),
@@ -257,6 +266,11 @@ void SdlBackend::FormMoved(cfForm& form) {
   // The size follows with the next picture, which a new size brings.
   SDL_SetWindowPosition(it->second.window, static_cast<int>(std::lround(form.Left())),
                         static_cast<int>(std::lround(form.Top())));
+}
+
+void SdlBackend::BringToFront(cfForm& form) {
+  UiBackend::BringToFront(form);
+  if (auto it = windows_.find(&form); it != windows_.end()) SDL_RaiseWindow(it->second.window);
 }
 
 void SdlBackend::FormIconChanged(cfForm& form) {

@@ -31,6 +31,7 @@ class SdlBackend : public UiBackend {
   void Present(cfForm& form) override;
   void FormMoved(cfForm& form) override;
   void FormIconChanged(cfForm& form) override;
+  void BringToFront(cfForm& form) override;
   void WorkArea(double& x, double& y, double& w, double& h) override;
   void SetCursor(int cursor) override;
   void SetCursorPicture(const SurfacePtr& picture) override;

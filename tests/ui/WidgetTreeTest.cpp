@@ -280,6 +280,7 @@ TEST_F(Ui, AModalFormBlocksItsOwnerUntilClosed) {
   EXPECT_FALSE(dialog.Showing());
   EXPECT_EQ(dialog.unloaded, 1);
   EXPECT_TRUE(child->log.empty());  // the owner took nothing while the dialog was up
+  EXPECT_EQ(backend->FrontForm(), &dialog);  // but the click brought the dialog forward
   EXPECT_EQ(step, 3);
   backend->OnIdle = nullptr;
   Click(45, 35);

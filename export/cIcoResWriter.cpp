@@ -1,5 +1,11 @@
 #include "export/cIcoResWriter.h"
 
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <mutex>
+#include <thread>
+
 #include "platform/DrawingContext.h"
 #include "platform/DrawingSurface.h"
 #include "platform/Error.h"
@@ -90,8 +96,7 @@ void cIcoResWriter::SaveSurfaceToSimplePngIco(const SurfacePtr& surface, const s
 }
 
 Bytes cIcoResWriter::AlphaIcoBytes(const SurfacePtr& surface, const std::vector<std::string>& sizes) {
-  // Every picture is made before the first byte is written.
-  std::vector<SurfacePtr> pictures;
+  std::vector<int> sides;
   for (const std::string& text : sizes) {
     std::int64_t size = 0;
     try {
@@ -102,26 +107,55 @@ Bytes cIcoResWriter::AlphaIcoBytes(const SurfacePtr& surface, const std::vector<
     if (text.empty() || size < 1 || size > 4096) {
       Raise(ErrNo::InvalidArgument, "\"" + text + "\" is no icon size", "cIcoResWriter");
     }
-    const int s = static_cast<int>(size);
-    SurfacePtr picture = DrawingSurface::Create(s, s);
-    DrawingContext ctx(picture);
-    ctx.DrawSurface(surface, 0, 0, s, s, Filter::Best, 1.0);
-    pictures.push_back(picture);
+    sides.push_back(static_cast<int>(size));
   }
-  const std::size_t n = pictures.size();
-  Bytes directory, images;
+  // Every picture is made, each from the source with the best filter, before
+  // the first byte is written. The sizes are independent, so they are shared
+  // out among the processor's cores; each worker draws from its own copy of
+  // the source, and the pixels are the same as when drawn one after another.
+  const std::size_t n = sides.size();
+  std::vector<Bytes> images(n);
+  const auto make = [&](const SurfacePtr& source, std::size_t i) {
+    const SurfacePtr picture = ResizeBest(source, sides[i], sides[i]);
+    images[i] = i + 1 == n ? picture->ToPngBytes() : BitmapImage(picture);
+  };
+  std::atomic<std::size_t> next{0};
+  const auto work = [&](const SurfacePtr& source) {
+    for (std::size_t i = next++; i < n; i = next++) make(source, i);
+  };
+  const std::size_t helpers = std::min<std::size_t>(n, std::max(1u, std::thread::hardware_concurrency())) - 1;
+  std::vector<std::thread> threads;
+  std::exception_ptr failed;
+  std::mutex failedLock;
+  for (std::size_t t = 0; t < helpers; ++t) {
+    threads.emplace_back([&, copy = surface->Copy()] {
+      try {
+        work(copy);
+      } catch (...) {
+        const std::lock_guard<std::mutex> lock(failedLock);
+        failed = std::current_exception();
+      }
+    });
+  }
+  try {
+    work(surface);
+  } catch (...) {
+    const std::lock_guard<std::mutex> lock(failedLock);
+    failed = std::current_exception();
+  }
+  for (std::thread& t : threads) t.join();
+  if (failed) std::rethrow_exception(failed);
+
+  Bytes directory;
   PutU16(directory, 0);
   PutU16(directory, 1);
   PutU16(directory, static_cast<std::uint32_t>(n));
-  const std::uint32_t first = static_cast<std::uint32_t>(6 + 16 * n);
+  std::uint32_t offset = static_cast<std::uint32_t>(6 + 16 * n);
   for (std::size_t i = 0; i < n; ++i) {
-    const Bytes image = i + 1 == n ? pictures[i]->ToPngBytes() : BitmapImage(pictures[i]);
-    DirectoryEntry(directory, pictures[i]->Width(), pictures[i]->Height(),
-                   static_cast<std::uint32_t>(image.size()),
-                   first + static_cast<std::uint32_t>(images.size()));
-    images.insert(images.end(), image.begin(), image.end());
+    DirectoryEntry(directory, sides[i], sides[i], static_cast<std::uint32_t>(images[i].size()), offset);
+    offset += static_cast<std::uint32_t>(images[i].size());
   }
-  directory.insert(directory.end(), images.begin(), images.end());
+  for (const Bytes& image : images) directory.insert(directory.end(), image.begin(), image.end());
   return directory;
 }
 

@@ -234,6 +234,22 @@ SurfacePtr DrawingSurface::CreateSimilar(int width, int height) const {
   return SurfacePtr(new DrawingSurface(s, width, height, SurfaceKind::Svg));
 }
 
+SurfacePtr DrawingSurface::Copy() const {
+  RequireImage("Copy");
+  SurfacePtr copy = Create(width_, height_);
+  cairo_surface_flush(s_);
+  const unsigned char* from = cairo_image_surface_get_data(s_);
+  const int fromStride = cairo_image_surface_get_stride(s_);
+  unsigned char* to = cairo_image_surface_get_data(copy->s_);
+  const int toStride = cairo_image_surface_get_stride(copy->s_);
+  for (int y = 0; y < height_; ++y) {
+    std::memcpy(to + static_cast<std::ptrdiff_t>(y) * toStride, from + static_cast<std::ptrdiff_t>(y) * fromStride,
+                static_cast<std::size_t>(width_) * 4);
+  }
+  cairo_surface_mark_dirty(copy->s_);
+  return copy;
+}
+
 void DrawingSurface::RequireImage(const char* operation) const {
   if (kind_ != SurfaceKind::Image) {
     Raise(ErrNo::InvalidArgument, std::string(operation) + " needs a pixel surface", "DrawingSurface");

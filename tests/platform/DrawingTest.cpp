@@ -287,3 +287,49 @@ TEST(Drawing, RepeatingSurfacePatternsTileAndSimilarSurfacesMatchTheirTarget) {
   SurfacePtr svg = DrawingSurface::Create(64, 64, SurfaceKind::Svg);
   EXPECT_EQ(svg->CreateSimilar(10, 10)->Kind(), SurfaceKind::Svg);
 }
+
+TEST(Drawing, BestReductionsGiveTheLibrarysOwnPixels) {
+  // Noise with soft and hard edges, transparent and opaque parts: every
+  // sample phase and every edge of the picture is met.
+  const auto noise = [](int w, int h, unsigned seed) {
+    SurfacePtr s = DrawingSurface::Create(w, h);
+    PixelView v = s->Pixels();
+    for (int y = 0; y < h; ++y) {
+      for (int x = 0; x < w; ++x) {
+        seed = seed * 1103515245u + 12345u;
+        const unsigned a = (x + y) % 7 == 0 ? 0 : (seed >> 24) | ((x * 3 + y) % 5 == 0 ? 0xff : 0);
+        std::uint8_t* p = v.Bytes() + y * v.Stride() + 4 * x;
+        p[3] = static_cast<std::uint8_t>(a);
+        for (int c = 0; c < 3; ++c) p[c] = static_cast<std::uint8_t>(((seed >> (8 * c)) & 0xff) * a / 255);
+      }
+    }
+    return s;
+  };
+  const auto byCairo = [](const SurfacePtr& from, int w, int h) {
+    SurfacePtr out = DrawingSurface::Create(w, h);
+    DrawingContext ctx(out);
+    ctx.DrawSurface(from, 0, 0, w, h, Filter::Best, 1.0);
+    return out;
+  };
+  struct Case {
+    int sw, sh, w, h;
+  };
+  for (const Case c : {Case{256, 256, 16, 16}, Case{256, 256, 24, 24}, Case{256, 256, 32, 32},
+                       Case{256, 256, 48, 48}, Case{256, 256, 64, 64}, Case{256, 256, 128, 128},
+                       Case{256, 256, 256, 256}, Case{256, 256, 255, 255}, Case{256, 256, 7, 7},
+                       Case{300, 200, 48, 48}, Case{512, 512, 20, 20}, Case{100, 260, 100, 30},
+                       Case{640, 64, 64, 64}, Case{256, 256, 512, 512}}) {
+    const SurfacePtr source = noise(c.sw, c.sh, static_cast<unsigned>(c.sw * 7 + c.w));
+    const SurfacePtr expected = byCairo(source, c.w, c.h);
+    for (const bool vector : {true, false}) {
+      if (vector && !__builtin_cpu_supports("avx2")) continue;
+      const SurfacePtr actual = detail::ResizeBest(source, c.w, c.h, vector);
+      ASSERT_EQ(actual->Width(), c.w);
+      int differ = 0;
+      for (int y = 0; y < c.h; ++y) {
+        for (int x = 0; x < c.w; ++x) differ += !(PixelAt(actual, x, y) == PixelAt(expected, x, y));
+      }
+      EXPECT_EQ(differ, 0) << c.sw << "x" << c.sh << " to " << c.w << "x" << c.h << (vector ? "" : " (scalar)");
+    }
+  }
+}

@@ -2,7 +2,6 @@
 // Drives a form like a user on the headless backend: click a widget, type,
 // press keys, and look at the form.
 
-#include <cstring>
 #include <memory>
 #include <string>
 
@@ -52,13 +51,7 @@ class UiDriver {
   // A copy of what the form shows now; later painting leaves it alone.
   qds::SurfacePtr Screenshot(qds::cfForm& form) {
     root_.DoEvents();
-    const qds::SurfacePtr& shown = form.Surface();
-    qds::SurfacePtr shot = qds::DrawingSurface::Create(shown->Width(), shown->Height());
-    const qds::PixelView from = shown->Pixels();
-    qds::PixelView to = shot->Pixels();
-    for (int y = 0; y < shown->Height(); ++y)
-      std::memcpy(to.Bytes() + y * to.Stride(), from.Bytes() + y * from.Stride(), 4 * std::size_t(shown->Width()));
-    return shot;
+    return form.Surface()->Copy();
   }
 
  private:

@@ -36,11 +36,7 @@ bool ImageList::AddFromBytes(const Bytes& bytes, std::string_view key, int width
       return false;
     }
     if ((width > 0 && width != picture->Width()) || (height > 0 && height != picture->Height())) {
-      SurfacePtr scaled = DrawingSurface::Create(width > 0 ? width : picture->Width(),
-                                                 height > 0 ? height : picture->Height());
-      DrawingContext ctx(scaled);
-      ctx.DrawSurface(picture, 0, 0, scaled->Width(), scaled->Height(), Filter::Best);
-      picture = scaled;
+      picture = ResizeBest(picture, width > 0 ? width : picture->Width(), height > 0 ? height : picture->Height());
     }
   } else {
     const SvgHandlePtr doc = renderer_.Parse(bytes);

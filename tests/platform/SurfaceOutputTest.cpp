@@ -211,4 +211,37 @@ TEST(SurfaceOutput, BlurSpreadsByItsPadAndKeepsTheInk) {
   const Bgra mid = PixelAt(blurred, c + 3, c);
   EXPECT_LE(mid.r, mid.a);  // still premultiplied
   EXPECT_EQ(mid.b, 0);
+
+  // Three boxes of 3 are one kernel of (1 3 6 7 6 3 1) each way: over noise,
+  // every value is that weighed sum / 729, rounded half up.
+  constexpr int n = 60;
+  SurfacePtr noise = DrawingSurface::Create(n, n);
+  unsigned seed = 99;
+  {
+    PixelView v = noise->Pixels();
+    for (int i = 0; i < n * n * 4; ++i) {
+      seed = seed * 1103515245u + 12345u;
+      v.Bytes()[(i / 4 / n) * v.Stride() + i % (4 * n)] = static_cast<std::uint8_t>(seed >> 24);
+    }
+  }
+  const auto [box3, three] = noise->Blur(3);
+  ASSERT_EQ(three, 3);
+  const int k[7] = {1, 3, 6, 7, 6, 3, 1};
+  const PixelView in = noise->Pixels(), out = box3->Pixels();
+  int wrong = 0;
+  for (int y = 0; y < n + 6; ++y) {
+    for (int x = 0; x < n + 6; ++x) {
+      for (int ch = 0; ch < 4; ++ch) {
+        long sum = 0;
+        for (int j = 0; j < 7; ++j) {
+          for (int i = 0; i < 7; ++i) {
+            const int sx = x - 6 + i, sy = y - 6 + j;
+            if (sx >= 0 && sy >= 0 && sx < n && sy < n) sum += k[i] * k[j] * in.Bytes()[sy * in.Stride() + 4 * sx + ch];
+          }
+        }
+        wrong += out.Bytes()[y * out.Stride() + 4 * x + ch] != (sum + 364) / 729;
+      }
+    }
+  }
+  EXPECT_EQ(wrong, 0);
 }

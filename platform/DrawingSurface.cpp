@@ -415,6 +415,11 @@ std::pair<SurfacePtr, int> DrawingSurface::Blur(double radius) const {
       out8[x] = static_cast<std::uint8_t>(std::min(v, 255.0));
     }
   }
+  if (a.size() > (std::size_t{1} << 22)) {
+    // A very large blur gives its memory back rather than keep it for good.
+    std::vector<std::uint64_t>().swap(a);
+    std::vector<std::uint64_t>().swap(b);
+  }
   cairo_surface_mark_dirty(out->s_);
   return {out, pad};
 }

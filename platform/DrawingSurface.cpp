@@ -4,6 +4,9 @@
 #include <cairo.h>
 #include <jpeglib.h>
 #include <png.h>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 #include <algorithm>
 #include <cmath>
@@ -141,24 +144,24 @@ void PutU32(qds::Bytes& b, std::uint32_t v) {
 
 // One box pass along a line of `n` pixels `step` values apart, four channels
 // at once: each output is the sum of the 2h+1 inputs around it, with zeros
-// beyond the ends. Sums are kept whole and divided only at the very end, so
-// the passes commute exactly and a symmetric picture blurs symmetrically.
-void BoxLine(const std::uint64_t* in, std::uint64_t* out, int n, std::size_t step, int h) {
+// beyond the ends.
+template <class Sum>
+void BoxLine(const Sum* in, Sum* out, int n, std::size_t step, int h) {
   // Four running sums, one per channel, kept apart so that they stay in registers.
-  std::uint64_t s0 = 0, s1 = 0, s2 = 0, s3 = 0;
+  Sum s0 = 0, s1 = 0, s2 = 0, s3 = 0;
   for (int i = 0; i < std::min(h, n); ++i) {
-    const std::uint64_t* p = in + i * step;
+    const Sum* p = in + i * step;
     s0 += p[0], s1 += p[1], s2 += p[2], s3 += p[3];
   }
   for (int i = 0; i < n; ++i) {
     if (i + h < n) {
-      const std::uint64_t* p = in + (i + h) * step;
+      const Sum* p = in + (i + h) * step;
       s0 += p[0], s1 += p[1], s2 += p[2], s3 += p[3];
     }
-    std::uint64_t* o = out + i * step;
+    Sum* o = out + i * step;
     o[0] = s0, o[1] = s1, o[2] = s2, o[3] = s3;
     if (i - h >= 0) {
-      const std::uint64_t* p = in + (i - h) * step;
+      const Sum* p = in + (i - h) * step;
       s0 -= p[0], s1 -= p[1], s2 -= p[2], s3 -= p[3];
     }
   }
@@ -166,25 +169,81 @@ void BoxLine(const std::uint64_t* in, std::uint64_t* out, int n, std::size_t ste
 
 // The same box down every column at once, a whole row of sums at a time,
 // which reads memory in order: the same sums as BoxLine per column.
-void BoxColumns(const std::uint64_t* in, std::uint64_t* out, int rows, std::size_t row, int h,
-                std::vector<std::uint64_t>& sums) {
-  sums.assign(row, 0);
-  std::uint64_t* __restrict sum = sums.data();
-  for (int i = 0; i < std::min(h, rows); ++i) {
-    const std::uint64_t* __restrict line = in + static_cast<std::size_t>(i) * row;
-    for (std::size_t x = 0; x < row; ++x) sum[x] += line[x];
+// sum[x] += line[x] (or -=) over a row, four or two sums per instruction
+// where the processor has SSE2; the same integers either way.
+template <class Sum, bool Subtract>
+void AddRow(Sum* sum, const Sum* line, std::size_t n) {
+  std::size_t x = 0;
+#ifdef __SSE2__
+  constexpr std::size_t lanes = 16 / sizeof(Sum);
+  for (; x + lanes <= n; x += lanes) {
+    const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(sum + x));
+    const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(line + x));
+    __m128i r;
+    if constexpr (sizeof(Sum) == 4) {
+      r = Subtract ? _mm_sub_epi32(a, b) : _mm_add_epi32(a, b);
+    } else {
+      r = Subtract ? _mm_sub_epi64(a, b) : _mm_add_epi64(a, b);
+    }
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(sum + x), r);
   }
+#endif
+  for (; x < n; ++x) sum[x] = Subtract ? sum[x] - line[x] : sum[x] + line[x];
+}
+
+// The same box down every column at once, a whole row of sums at a time,
+// which reads memory in order: the same sums as BoxLine per column.
+template <class Sum>
+void BoxColumns(const Sum* in, Sum* out, int rows, std::size_t row, int h, std::vector<Sum>& sums) {
+  sums.assign(row, 0);
+  Sum* sum = sums.data();
+  for (int i = 0; i < std::min(h, rows); ++i) AddRow<Sum, false>(sum, in + static_cast<std::size_t>(i) * row, row);
   for (int i = 0; i < rows; ++i) {
-    const std::uint64_t* __restrict add = i + h < rows ? in + static_cast<std::size_t>(i + h) * row : nullptr;
-    const std::uint64_t* __restrict drop = i - h >= 0 ? in + static_cast<std::size_t>(i - h) * row : nullptr;
-    std::uint64_t* __restrict o = out + static_cast<std::size_t>(i) * row;
-    if (add) {
-      for (std::size_t x = 0; x < row; ++x) sum[x] += add[x];
+    if (i + h < rows) AddRow<Sum, false>(sum, in + static_cast<std::size_t>(i + h) * row, row);
+    std::copy(sum, sum + row, out + static_cast<std::size_t>(i) * row);
+    if (i - h >= 0) AddRow<Sum, true>(sum, in + static_cast<std::size_t>(i - h) * row, row);
+  }
+}
+
+// Three passes of the box each way over the picture's bytes, in place.
+// Sums are kept whole and divided only at the very end, so the passes
+// commute exactly and a symmetric picture blurs symmetrically. `Sum` must
+// hold 255 * (2h+1)^6.
+template <class Sum>
+void BoxBlur(std::uint8_t* data, int w, int ht, int stride, int h) {
+  const std::size_t row = static_cast<std::size_t>(w) * 4;
+  // Kept between calls: fresh megabytes for every blur cost more in page
+  // faults than the blur itself.
+  thread_local std::vector<Sum> a, b, sums;
+  a.resize(row * ht);
+  b.resize(row * ht);
+  for (int y = 0; y < ht; ++y) {
+    for (std::size_t x = 0; x < row; ++x) a[y * row + x] = data[static_cast<std::size_t>(y) * stride + x];
+  }
+  for (int pass = 0; pass < 3; ++pass) {
+    for (int y = 0; y < ht; ++y) BoxLine(&a[y * row], &b[y * row], w, 4, h);
+    BoxColumns(b.data(), a.data(), ht, row, h, sums);
+  }
+  // Six passes of a box of 2h+1 multiplied every value by (2h+1)^6. The
+  // rounded quotient is taken in doubles, which is quicker and the same:
+  // sums stay far below 2^53, a whole quotient divides exactly, and any
+  // other lies at least 1/divisor below the next whole number, far more
+  // than the rounding of one division.
+  std::uint64_t divisor = 1;
+  for (int i = 0; i < 6; ++i) divisor *= static_cast<std::uint64_t>(2 * h + 1);
+  const double half = static_cast<double>(divisor / 2), by = static_cast<double>(divisor);
+  for (int y = 0; y < ht; ++y) {
+    const Sum* sum = &a[static_cast<std::size_t>(y) * row];
+    std::uint8_t* out8 = data + static_cast<std::size_t>(y) * stride;
+    for (std::size_t x = 0; x < row; ++x) {
+      const double v = std::floor((static_cast<double>(sum[x]) + half) / by);
+      out8[x] = static_cast<std::uint8_t>(std::min(v, 255.0));
     }
-    for (std::size_t x = 0; x < row; ++x) o[x] = sum[x];
-    if (drop) {
-      for (std::size_t x = 0; x < row; ++x) sum[x] -= drop[x];
-    }
+  }
+  if (a.size() > (std::size_t{1} << 22)) {
+    // A very large blur gives its memory back rather than keep it for good.
+    std::vector<Sum>().swap(a);
+    std::vector<Sum>().swap(b);
   }
 }
 
@@ -385,40 +444,12 @@ std::pair<SurfacePtr, int> DrawingSurface::Blur(double radius) const {
 
   cairo_surface_flush(out->s_);
   std::uint8_t* data = cairo_image_surface_get_data(out->s_);
-  const int w = out->width_, ht = out->height_, stride = cairo_image_surface_get_stride(out->s_);
-  const std::size_t row = static_cast<std::size_t>(w) * 4;
-  // Kept between calls: fresh megabytes for every blur cost more in page
-  // faults than the blur itself.
-  thread_local std::vector<std::uint64_t> a, b, sums;
-  a.resize(row * ht);
-  b.resize(row * ht);
-  for (int y = 0; y < ht; ++y) {
-    for (std::size_t x = 0; x < row; ++x) a[y * row + x] = data[static_cast<std::size_t>(y) * stride + x];
-  }
-  for (int pass = 0; pass < 3; ++pass) {
-    for (int y = 0; y < ht; ++y) BoxLine(&a[y * row], &b[y * row], w, 4, h);
-    BoxColumns(b.data(), a.data(), ht, row, h, sums);
-  }
-  // Six passes of a box of 2h+1 multiplied every value by (2h+1)^6. The
-  // rounded quotient is taken in doubles, which is quicker and the same:
-  // sums stay far below 2^53, a whole quotient divides exactly, and any
-  // other lies at least 1/divisor below the next whole number, far more
-  // than the rounding of one division.
-  std::uint64_t divisor = 1;
-  for (int i = 0; i < 6; ++i) divisor *= static_cast<std::uint64_t>(2 * h + 1);
-  const double half = static_cast<double>(divisor / 2), by = static_cast<double>(divisor);
-  for (int y = 0; y < ht; ++y) {
-    const std::uint64_t* sum = &a[static_cast<std::size_t>(y) * row];
-    std::uint8_t* out8 = data + static_cast<std::size_t>(y) * stride;
-    for (std::size_t x = 0; x < row; ++x) {
-      const double v = std::floor((static_cast<double>(sum[x]) + half) / by);
-      out8[x] = static_cast<std::uint8_t>(std::min(v, 255.0));
-    }
-  }
-  if (a.size() > (std::size_t{1} << 22)) {
-    // A very large blur gives its memory back rather than keep it for good.
-    std::vector<std::uint64_t>().swap(a);
-    std::vector<std::uint64_t>().swap(b);
+  const int stride = cairo_image_surface_get_stride(out->s_);
+  // Small boxes sum in 32 bits, which halves the memory the passes stream through.
+  if (255.0 * std::pow(2 * h + 1, 6) < 4294967295.0) {
+    BoxBlur<std::uint32_t>(data, out->width_, out->height_, stride, h);
+  } else {
+    BoxBlur<std::uint64_t>(data, out->width_, out->height_, stride, h);
   }
   cairo_surface_mark_dirty(out->s_);
   return {out, pad};

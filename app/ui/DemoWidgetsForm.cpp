@@ -64,7 +64,7 @@ DemoWidgetsForm::DemoWidgetsForm() {
   auto& more = static_cast<cwButton&>(Children().Add(CreateWidget("cwButton"), "btnMenu"));
   more.Caption = "Menu";
   more.Move(230, 130, 110, 26);
-  more.Click = [&menu, &more] { menu.ShowPopup("Demo", more.Left(), more.Top() + more.Height()); };
+  more.Click = [&menu, &more] { menu.ShowPopup("Demo", more.Left(), more.Top() + more.Height(), more.Top()); };
   menu.Click = [this](const std::string& key) {
     status_->Caption = "Chosen: " + key;
     status_->Refresh();

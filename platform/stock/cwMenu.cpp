@@ -203,14 +203,14 @@ std::vector<const cwMenu::MenuItem*> cwMenu::ItemsUnder(const std::string& root)
   return found;
 }
 
-void cwMenu::ShowPopup(const std::string& root, double x, double y) {
+void cwMenu::ShowPopup(const std::string& root, double x, double y, std::optional<double> aboveY) {
   DisposeForm(std::move(popup_));
   const cfForm* owner = Form();
   const double zoom = owner ? owner->Zoom() : 1;
   // A form's place is in screen pixels; the point is in the owner's units.
-  // A menu that does not fit below or right of the point ends at it.
   const double sx = (owner ? owner->Left() : 0) + x * zoom, sy = (owner ? owner->Top() : 0) + y * zoom;
-  popup_ = MenuPopUp::Open(*this, root, nullptr, sx, sy, sx, sy, zoom);
+  const double flipBottom = aboveY ? (owner ? owner->Top() : 0) + *aboveY * zoom : sy;
+  popup_ = MenuPopUp::Open(*this, root, nullptr, sx, sy, sx, flipBottom, zoom);
 }
 
 cfForm* cwMenu::SubPopupForm() const {

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,7 +35,9 @@ class cwMenu : public Widget {
   std::vector<const MenuItem*> ItemsUnder(const std::string& root) const;
 
   // Opens the items of `root` at a point of the owner form (logical units).
-  void ShowPopup(const std::string& root, double x, double y);
+  // Where the menu does not fit below the point, it ends at `aboveY` (the
+  // top of the button it drops from), or at the point when none is given.
+  void ShowPopup(const std::string& root, double x, double y, std::optional<double> aboveY = std::nullopt);
   bool IsOpen() const;
   void ClosePopup();
   cfForm* PopupForm() const { return popup_.get(); }

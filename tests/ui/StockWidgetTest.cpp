@@ -297,13 +297,17 @@ TEST(StockWidgets, MenusListTheirRootsItemsAndCloseOnAChoiceEscapeOrAClickElsewh
   ui.Press(form, Key::Escape);
   ui.Press(form, Key::Escape);
   EXPECT_EQ(gone, 7);
+  menu.ShowPopup("File", 0, 30, 10);  // dropped from a button at 10..30: opens above it
+  EXPECT_EQ(menu.PopupForm()->Top() + menu.PopupForm()->Height(), ay + ah - 20 + 10);
+  ui.Press(form, Key::Escape);
+  EXPECT_EQ(gone, 8);
 
   // The menu going while open takes its pop-ups with it, quietly.
   menu.ShowPopup("File", 0, 0);
   clickRow(*menu.PopupForm(), 2);
   form.Children().Remove("mnu");
   ui.Root().DoEvents();
-  EXPECT_EQ(gone, 7);
+  EXPECT_EQ(gone, 8);
 }
 
 TEST(StockWidgets, ADropDownShowsItsContentUnderItselfAndTogglesOnItsBox) {

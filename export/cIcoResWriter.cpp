@@ -115,34 +115,26 @@ Bytes cIcoResWriter::AlphaIcoBytes(const SurfacePtr& surface, const std::vector<
   // the source, and the pixels are the same as when drawn one after another.
   const std::size_t n = sides.size();
   std::vector<Bytes> images(n);
-  const auto make = [&](const SurfacePtr& source, std::size_t i) {
-    const SurfacePtr picture = ResizeBest(source, sides[i], sides[i]);
-    images[i] = i + 1 == n ? picture->ToPngBytes() : BitmapImage(picture);
-  };
   std::atomic<std::size_t> next{0};
-  const auto work = [&](const SurfacePtr& source) {
-    for (std::size_t i = next++; i < n; i = next++) make(source, i);
-  };
-  const std::size_t helpers = std::min<std::size_t>(n, std::max(1u, std::thread::hardware_concurrency())) - 1;
-  std::vector<std::thread> threads;
   std::exception_ptr failed;
   std::mutex failedLock;
-  for (std::size_t t = 0; t < helpers; ++t) {
-    threads.emplace_back([&, copy = surface->Copy()] {
-      try {
-        work(copy);
-      } catch (...) {
-        const std::lock_guard<std::mutex> lock(failedLock);
-        failed = std::current_exception();
+  // Takes sizes until none is left; the first failure is kept for the caller.
+  const auto work = [&](const SurfacePtr& source) {
+    try {
+      for (std::size_t i = next++; i < n; i = next++) {
+        const SurfacePtr picture = ResizeBest(source, sides[i], sides[i]);
+        images[i] = i + 1 == n ? picture->ToPngBytes() : BitmapImage(picture);
       }
-    });
-  }
-  try {
-    work(surface);
-  } catch (...) {
-    const std::lock_guard<std::mutex> lock(failedLock);
-    failed = std::current_exception();
-  }
+    } catch (...) {
+      const std::lock_guard<std::mutex> lock(failedLock);
+      if (!failed) failed = std::current_exception();
+    }
+  };
+  const std::size_t cores = std::max(1u, std::thread::hardware_concurrency());
+  const std::size_t helpers = n > 1 ? std::min(n, cores) - 1 : 0;
+  std::vector<std::thread> threads;
+  for (std::size_t t = 0; t < helpers; ++t) threads.emplace_back([&, copy = surface->Copy()] { work(copy); });
+  work(surface);
   for (std::thread& t : threads) t.join();
   if (failed) std::rethrow_exception(failed);
 

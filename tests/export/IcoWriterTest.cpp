@@ -96,6 +96,7 @@ TEST(IcoWriter, OrderDecidesThePngOneSizeAndTransparentPictures) {
   EXPECT_EQ(s.Count(), 1u);
   EXPECT_EQ(s.At(0).offset, 22u);
   EXPECT_TRUE(s.IsPng(s.At(0)));
+  EXPECT_EQ(cIcoResWriter::AlphaIcoBytes(Picture(64), {}).size(), 6u);  // no sizes: a header alone
 
   // Size 20: mask rows of 4 bytes; a clear picture sets every bit inside it
   // and none of the padding. A pixel of alpha 1 counts as ink.

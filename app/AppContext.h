@@ -17,6 +17,7 @@
 #include "platform/DrawingSurface.h"
 #include "platform/ImageList.h"
 #include "platform/KeyedCollection.h"
+#include "platform/PictureCache.h"
 #include "platform/SvgRenderer.h"
 
 namespace qds {
@@ -47,7 +48,9 @@ struct AppContext {
   SurfacePtr WorkSurface256;
 
   // Keyed collections, in the order they are made.
-  KeyedCollection<SurfacePtr> RenderCache;
+  // Layer pictures by content and side. Bounded by bytes, since one
+  // picture of a large export takes what a hundred canvas pictures take.
+  PictureCache RenderCache{160u << 20};
   Collection FillOptions;
   ItemCollection SelectIcons;
   ItemCollection IconSelection;
@@ -77,9 +80,9 @@ struct AppContext {
   int CanvasHeight = 512;
 
   // Pure results kept between draws: margins by document, angle and size;
-  // blurred pictures by picture and radius.
+  // blurred pictures by picture and radius, with the pad they grew by.
   std::unordered_map<std::string, std::array<double, 5>> MarginCache;
-  KeyedCollection<std::pair<SurfacePtr, int>> BlurCache;
+  PictureCache BlurCache{96u << 20};
   // The global path field size of icon outlines (0: the default, 1024).
   int PathFieldSize = 0;
   // Hooks of the canvas: whether a layer shows its selection frame, and

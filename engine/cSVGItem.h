@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "colour/cColorItem.h"
@@ -17,6 +18,7 @@
 #include "platform/Drawing.h"
 #include "platform/JsonBag.h"
 #include "platform/Path.h"
+#include "platform/Pattern.h"
 #include "platform/Value.h"
 
 namespace qds {
@@ -24,6 +26,15 @@ namespace qds {
 class cSVGItem;
 class DrawingContext;
 using SVGItemPtr = std::shared_ptr<cSVGItem>;
+
+// Where a layer's picture lands in a square of side S: the zoomed side zS,
+// the transparent margins of the visible picture at that zoom, and the
+// translation of the picture's zS box inside the square.
+struct LayerPlacement {
+  double S = 0, zS = 0;
+  double L = 0, T = 0, R = 0, B = 0;
+  double tx = 0, ty = 0;
+};
 
 class cSVGItem {
  public:
@@ -87,6 +98,10 @@ class cSVGItem {
   // Draws the layer into the square of side Min(width, height) at the top
   // left of the context, where its settings place it.
   void RenderTo(DrawingContext& ctx, double width, double height, bool showCentre = false);
+  // Where RenderTo puts the picture in a square of side `side`. Everything
+  // that must line up with the drawn layer asks this. `measured` receives
+  // the picture drawn to measure it, when one had to be drawn.
+  LayerPlacement Placement(double side, SurfacePtr* measured = nullptr) const;
 
   int SelectionIndex() const;
   void setSelectionIndex(int index);
@@ -228,6 +243,9 @@ class cSVGItem {
                   double H) const;
   std::pair<SurfacePtr, int> BlurSurface(const SurfacePtr& surface, double targetW, double targetH,
                                          const std::string& cacheKey) const;
+  // The gradient of the filter -6, in the square's own space; none when the
+  // layer has no stops or an angle without a pattern.
+  std::optional<Pattern> GradientPattern(const LayerPlacement& p) const;
   void RefreshText();
   void RefreshClipWithIcon();
   bool RefreshGlow();

@@ -57,10 +57,12 @@ std::pair<SurfacePtr, int> cSVGItem::BlurSurface(const SurfacePtr& surface, doub
   const double w = surface->Width();
   // Blurring is the slowest step of a frame and its result depends only on
   // the picture and the radius: keep it.
-  KeyedCollection<std::pair<SurfacePtr, int>>& cache = App().BlurCache;
+  PictureCache& cache = App().BlurCache;
   const std::string key =
       cacheKey + "|blur" + std::to_string(b) + "|" + std::to_string(static_cast<int>(targetW));
-  if (!cacheKey.empty() && cache.Exists(key)) return cache.Item(key);
+  if (!cacheKey.empty()) {
+    if (const PictureCache::Entry* kept = cache.Find(key)) return {kept->Surface, kept->Pad};
+  }
   // The blur lands on a canvas as large as the target plus the blur.
   SurfacePtr out =
       DrawingSurface::Create(static_cast<int>(f * w + targetW), static_cast<int>(f * w + targetH));
@@ -72,7 +74,7 @@ std::pair<SurfacePtr, int> cSVGItem::BlurSurface(const SurfacePtr& surface, doub
   }
   if (!cacheKey.empty()) {
     if (cache.Count() > kRenderCacheLimit) cache.Clear();
-    cache.Add({out, pad}, key);
+    cache.Add(key, out, pad);
   }
   return {out, pad};
 }
@@ -105,65 +107,115 @@ void cSVGItem::RenderLine(DrawingContext& ctx, const PathPtr& path, double lineW
   ctx.DrawSurface(blurred, -(p / 3.0 + p), -(p / 3.0 + p), p / 3.0 + p + W, p / 3.0 + p + H, Filter::Good, 1);
 }
 
-void cSVGItem::RenderTo(DrawingContext& ctx, double width, double height, bool showCentre) {
-  AppContext& app = App();
-  // 1. Opacity: the design's own, when it is in force, for plain layers.
+LayerPlacement cSVGItem::Placement(double side, SurfacePtr* measured) const {
+  LayerPlacement p;
   const double Z = ZoomPercent() / 100;
-  const double O =
-      EffType() == 0 && app.DesignOpacityOn ? 100 : static_cast<double>(RoundHalfEven(Opacity()));
-  // 2, 3. A square of side S; the margins of the picture at this size.
-  const double S = std::min(width, height);
-  const double zS = S * Z;
-  SurfacePtr measured;
+  const double S = side, zS = side * Z;
   const Margins m =
-      MeasureMargins(svgBytes_, Angle(), static_cast<int>(S), static_cast<int>(S), nullptr, &measured);
-  // At full zoom and no turn, the picture just measured is exactly the one
-  // the raster cache would draw next: keep it instead of drawing it twice.
-  if (measured && Angle() == 0 && static_cast<int>(zS) == static_cast<int>(S) &&
-      ctx.Surface()->Kind() == SurfaceKind::Image) {
-    const std::string key = CachedSurfaceKey(*this, static_cast<int>(zS));
-    if (app.RenderCache.Count() <= kRenderCacheLimit && !app.RenderCache.Exists(key)) {
-      app.RenderCache.Add(measured, key);
+      MeasureMargins(svgBytes_, Angle(), static_cast<int>(S), static_cast<int>(S), nullptr, measured);
+  const double L = m.Left * Z, T = m.Top * Z, R = m.Right * Z, B = m.Bottom * Z;
+  p.S = S, p.zS = zS, p.L = L, p.T = T, p.R = R, p.B = B;
+  // A snap position puts the visible picture, not its box, at the edge or
+  // in the centre.
+  const double d = Distance() / 100;
+  const double left = d * S - L, centreX = (S - zS) / 2 - (L - R) / 2, right = (S - zS) - d * S + R;
+  const double top = d * S - T, centreY = (S - zS) / 2 - (T - B) / 2, bottom = (S - zS) - d * S + B;
+  switch (Pos()) {
+    case 0:
+      p.tx = (S - zS) / 2 + OffSetx() / 100 * S + MoveX / 100 * S;
+      p.ty = (S - zS) / 2 + OffSetY() / 100 * S + MoveY / 100 * S;
+      break;
+    case 1:
+      p.tx = left, p.ty = top;
+      break;
+    case 2:
+      p.tx = centreX, p.ty = top;
+      break;
+    case 3:
+      p.tx = right, p.ty = top;
+      break;
+    case 4:
+      p.tx = left, p.ty = centreY;
+      break;
+    case 5:
+      p.tx = centreX, p.ty = centreY;
+      break;
+    case 6:
+      p.tx = right, p.ty = centreY;
+      break;
+    case 7:
+      p.tx = left, p.ty = bottom;
+      break;
+    case 8:
+      p.tx = centreX, p.ty = bottom;
+      break;
+    case 9:
+      p.tx = right, p.ty = bottom;
+      break;
+    default:
+      break;
+  }
+  return p;
+}
+
+std::optional<Pattern> cSVGItem::GradientPattern(const LayerPlacement& p) const {
+  if (filter_ != FilterGradient || GradStopsCount() == 0) return std::nullopt;
+  const double S = p.S, zS = p.zS;
+  double outX, outY;
+  GetOffsetXY(Pos(), p.L, p.T, p.R, p.B, zS, zS, S, S, outX, outY);
+  const double gx = outX / 100 * S + MoveX / 100 * S, gy = outY / 100 * S + MoveY / 100 * S;
+  const double left = (S - zS) / 2 + gx, right = left + zS, top = (S - zS) / 2 + gy, bottom = top + zS;
+  std::optional<Pattern> pattern;
+  if (!GradRadial()) {
+    const double a = GradAngleDeg();
+    if (a == 0) pattern = Pattern::Linear(0, top, 0, bottom);
+    if (a == 90) pattern = Pattern::Linear(left, 0, right, 0);
+    if (a == 180) pattern = Pattern::Linear(0, bottom, 0, top);
+    if (a == 270) pattern = Pattern::Linear(right, 0, left, 0);
+  } else {
+    const double fx = GradPointCX() * S + gx, fy = GradPointCY() * S + gy;
+    const double cx = S / 2 + gx, cy = S / 2 + gy;
+    const double r =
+        (std::min(std::fabs(0.5 - GradPointCX()), std::fabs(0.5 - GradPointCY())) + 1.42) * zS * 0.5;
+    pattern = GradInvert() ? Pattern::Radial(fx, fy, 0, cx, cy, r) : Pattern::Radial(cx, cy, r, fx, fy, 0);
+  }
+  if (pattern) {
+    for (int i = 0; i < GradStopsCount(); ++i) {
+      const cColorStop stop = GradStopsItem(i);
+      pattern->AddColorStop(stop.Offset, stop.Color, stop.Opacity);
     }
   }
-  const double L = m.Left * Z, T = m.Top * Z, R = m.Right * Z, B = m.Bottom * Z;
+  return pattern;
+}
 
-  // 4. The background that bounds a wall shadow.
+void cSVGItem::RenderTo(DrawingContext& ctx, double width, double height, bool showCentre) {
+  AppContext& app = App();
+  const bool vector = ctx.Surface()->Kind() == SurfaceKind::Svg;
+  // Opacity: the design's own, when it is in force, for plain layers.
+  const double O =
+      EffType() == 0 && app.DesignOpacityOn ? 100 : static_cast<double>(RoundHalfEven(Opacity()));
+  // A layer always draws into a square, placed by its settings.
+  const double S = std::min(width, height);
+  SurfacePtr measured;
+  const LayerPlacement p = Placement(S, &measured);
+  const double zS = p.zS;
+  const int side = static_cast<int>(zS);
+  // At full zoom and no turn, the picture just measured is exactly the one
+  // the raster cache would draw next: keep it instead of drawing it twice.
+  if (measured && !vector && Angle() == 0 && side == static_cast<int>(S)) {
+    const std::string key = CachedSurfaceKey(*this, side);
+    if (app.RenderCache.Count() <= kRenderCacheLimit && !app.RenderCache.Exists(key)) {
+      app.RenderCache.Add(key, measured);
+    }
+  }
+
+  // The background that bounds a wall shadow.
   bool backgroundClip = false;
   if (EffType() == 2 && !EffBGKey().empty()) backgroundClip = SetBGPath(ctx, EffBGKey(), S, S);
 
-  // 5. The gradient, painted through the icon as a mask.
-  bool gradient = false;
-  if (filter_ == FilterGradient && GradStopsCount() > 0) {
-    double outX, outY;
-    GetOffsetXY(Pos(), L, T, R, B, zS, zS, S, S, outX, outY);
-    const double gx = outX / 100 * S + MoveX / 100 * S, gy = outY / 100 * S + MoveY / 100 * S;
-    const double left = (S - zS) / 2 + gx, right = left + zS, top = (S - zS) / 2 + gy, bottom = top + zS;
-    std::optional<Pattern> pattern;
-    if (!GradRadial()) {
-      const double a = GradAngleDeg();
-      if (a == 0) pattern = Pattern::Linear(0, top, 0, bottom);
-      if (a == 90) pattern = Pattern::Linear(left, 0, right, 0);
-      if (a == 180) pattern = Pattern::Linear(0, bottom, 0, top);
-      if (a == 270) pattern = Pattern::Linear(right, 0, left, 0);
-    } else {
-      const double fx = GradPointCX() * S + gx, fy = GradPointCY() * S + gy;
-      const double cx = S / 2 + gx, cy = S / 2 + gy;
-      const double r =
-          (std::min(std::fabs(0.5 - GradPointCX()), std::fabs(0.5 - GradPointCY())) + 1.42) * zS * 0.5;
-      pattern = GradInvert() ? Pattern::Radial(fx, fy, 0, cx, cy, r) : Pattern::Radial(cx, cy, r, fx, fy, 0);
-    }
-    if (pattern) {
-      for (int i = 0; i < GradStopsCount(); ++i) {
-        const cColorStop stop = GradStopsItem(i);
-        pattern->AddColorStop(stop.Offset, stop.Color, stop.Opacity);
-      }
-      ctx.SetSource(*pattern);
-      gradient = true;
-    }
-  }
+  const std::optional<Pattern> gradient = GradientPattern(p);
 
-  // 6. Clips: a form, or the outline of another layer's icon.
+  // Clips: a form, or the outline of another layer's icon.
   bool formClip = false, iconClip = false;
   PathPtr linePath;
   double lineW = 0;
@@ -194,170 +246,94 @@ void cSVGItem::RenderTo(DrawingContext& ctx, double width, double height, bool s
   }
   const bool clipPending = formClip || iconClip || backgroundClip;
 
-  // 7, 8. Into place.
   ctx.Save();
-  const double d = Distance() / 100;
-  double tx = 0, ty = 0;
-  switch (Pos()) {
-    case 0:
-      tx = (S - zS) / 2 + OffSetx() / 100 * S + MoveX / 100 * S;
-      ty = (S - zS) / 2 + OffSetY() / 100 * S + MoveY / 100 * S;
-      break;
-    case 1:
-      tx = d * S - L, ty = d * S - T;
-      break;
-    case 2:
-      tx = (S - zS) / 2 - (L - R) / 2, ty = d * S - T;
-      break;
-    case 3:
-      tx = (S - zS) - d * S + R, ty = d * S - T;
-      break;
-    case 4:
-      tx = d * S - L, ty = (S - zS) / 2 - (T - B) / 2;
-      break;
-    case 5:
-      tx = (S - zS) / 2 - (L - R) / 2, ty = (S - zS) / 2 - (T - B) / 2;
-      break;
-    case 6:
-      tx = (S - zS) - d * S + R, ty = (S - zS) / 2 - (T - B) / 2;
-      break;
-    case 7:
-      tx = d * S - L, ty = (S - zS) - d * S + B;
-      break;
-    case 8:
-      tx = (S - zS) / 2 - (L - R) / 2, ty = (S - zS) - d * S + B;
-      break;
-    case 9:
-      tx = (S - zS) - d * S + R, ty = (S - zS) - d * S + B;
-      break;
-    default:
-      break;
-  }
-  ctx.Translate(tx, ty);
+  const Matrix square = ctx.GetMatrix();
+  ctx.Translate(p.tx, p.ty);
   const Matrix placed = ctx.GetMatrix();
   const double cx = zS / 2 + placed.x0, cy = zS / 2 + placed.y0;
 
-  const auto reflect = [&](const SurfacePtr& a, const Matrix& kept) {
-    // The mask that fades the reflection out.
-    const double y0 = kept.y0 + T;
-    Pattern mask =
-        Pattern::Linear(0, y0, 0, (a->Height() - T - B) * EffHeightPerc() / 100 / 100 * ZoomPercent() + y0);
-    mask.AddColorStop(0, 0xFFFFFF, EffOpacity1() / 100);
-    mask.AddColorStop(1, 0xFFFFFF, EffOpacity2() / 100);
-    ctx.SetSourceSurface(a, 0, 0);
-    ctx.Mask(mask);
+  // The one thing a file of vectors and a picture do differently: an SVG
+  // target receives the document itself, a picture the cached raster (which
+  // is drawn at the layer's angle already).
+  SurfacePtr picture;
+  if (!vector) picture = GetCachedSurface(*this, app.RenderCache, side, kRenderCacheLimit);
+  const auto drawPicture = [&] {
+    if (vector) {
+      app.SvgRenderer->Render(ctx, svgBytes_, 0, 0, zS, zS, Angle());
+    } else {
+      ctx.DrawSurface(picture, 0, 0, zS, zS, Filter::Good, 1);
+    }
+  };
+  // The picture, painted through the gradient when the layer has one. The
+  // gradient lies in the square's space, not in the placed box's.
+  const auto drawInk = [&] {
+    if (!gradient) {
+      drawPicture();
+      return;
+    }
+    ctx.PushGroup();
+    drawPicture();
+    const Pattern ink = ctx.PopGroup();
+    ctx.SetMatrix(square);
+    ctx.SetSource(*gradient);
+    ctx.SetMatrix(placed);
+    ctx.Mask(ink);
   };
 
-  if (ctx.Surface()->Kind() == SurfaceKind::Svg) {
-    // 10. The vector branch: the document itself goes into the file.
-    if (clipPending) ctx.Clip();
-    if (O != 100) ctx.PushGroup();
-    if (!gradient && EffType() != 4) {
-      if (EffBlur() <= 0) {
-        app.SvgRenderer->Render(ctx, svgBytes_, 0, 0, zS, zS, Angle());
-      } else {
-        const SurfacePtr picture =
-            GetCachedSurface(*this, app.RenderCache, static_cast<int>(zS), kRenderCacheLimit);
-        const auto [blurred, p] = BlurSurface(picture, S, S, {});
-        ctx.DrawSurface(blurred, -(p / 3.0 + p), -(p / 3.0 + p), p / 3.0 + p + S, p / 3.0 + p + S,
-                        Filter::Good, 1);
-      }
-    } else {
-      SurfacePtr group = ctx.Surface()->CreateSimilar(static_cast<int>(width), static_cast<int>(height));
-      {
-        DrawingContext gc(group);
-        gc.SetMatrix(placed);
-        app.SvgRenderer->Render(gc, svgBytes_, 0, 0, zS, zS, Angle());
-      }
-      if (EffType() == 4) {
-        const Matrix kept = ctx.GetMatrix();
-        ctx.ResetMatrix();
-        reflect(group, kept);
-        ctx.SetMatrix(kept);
-      } else {
-        const Matrix kept = ctx.GetMatrix();
-        ctx.ResetMatrix();
-        ctx.MaskSurface(group, 0, 0);
-        ctx.SetMatrix(kept);
-      }
-    }
-    if (O != 100) {
-      ctx.PopGroupToSource();
-      ctx.Paint(O / 100);
-    }
-    if (formClip) ctx.ResetClip();
-    ctx.Restore();
-    if (formClip) {
-      ctx.PushGroup();
-      RenderLine(ctx, linePath, lineW, lineColour, S, S);
-      ctx.PopGroupToSource();
-      ctx.Paint(O / 100);
-    }
+  if (!vector) ctx.SetOperator(fillOptions_);
+  if (clipPending) ctx.Clip();
+  if (O != 100) ctx.PushGroup();
+  if (EffType() == 4) {
+    // A reflection fades out downwards, measured on the target.
+    ctx.PushGroup();
+    drawInk();
+    const Pattern reflection = ctx.PopGroup();
+    ctx.SetSource(reflection);
+    ctx.ResetMatrix();
+    const double y0 = placed.y0 + p.T;
+    const double Ha = ctx.Surface()->Height();
+    Pattern fade =
+        Pattern::Linear(0, y0, 0, (Ha - p.T - p.B) * EffHeightPerc() / 100 / 100 * ZoomPercent() + y0);
+    fade.AddColorStop(0, 0xFFFFFF, EffOpacity1() / 100);
+    fade.AddColorStop(1, 0xFFFFFF, EffOpacity2() / 100);
+    ctx.Mask(fade);
+    ctx.SetMatrix(placed);
+  } else if (!gradient && EffBlur() > 0) {
+    // A blur is a picture in either target.
+    const SurfacePtr raster =
+        picture ? picture : GetCachedSurface(*this, app.RenderCache, side, kRenderCacheLimit);
+    const auto [blurred, pad] =
+        BlurSurface(raster, S, S, Angle() == 0 ? CachedSurfaceKey(*this, side) : std::string());
+    const double at = -(pad / 3.0 + pad);
+    ctx.DrawSurface(blurred, at, at, pad / 3.0 + pad + S, pad / 3.0 + pad + S, Filter::Good, 1);
   } else {
-    // 10. The raster branch, the normal case.
-    ctx.SetOperator(fillOptions_);
-    if (clipPending) ctx.Clip();
-    const int side = static_cast<int>(zS);
-    const std::string key = CachedSurfaceKey(*this, side);
-    const SurfacePtr picture = GetCachedSurface(*this, app.RenderCache, side, kRenderCacheLimit);
-    if (O != 100) ctx.PushGroup();
-    if (!gradient && EffType() != 4) {
-      if (EffBlur() > 0) {
-        const auto [blurred, p] = BlurSurface(picture, S, S, Angle() == 0 ? key : std::string());
-        ctx.DrawSurface(blurred, -(p / 3.0 + p), -(p / 3.0 + p), p / 3.0 + p + S, p / 3.0 + p + S,
-                        Filter::Good, 1);
-      } else {
-        ctx.DrawSurface(picture, 0, 0, zS, zS, Filter::Good, 1);
-      }
-    } else if (EffType() == 4) {
-      SurfacePtr a = ctx.Surface()->CreateSimilar(ctx.Surface()->Width(), ctx.Surface()->Height());
-      {
-        DrawingContext ac(a);
-        ac.SetMatrix(ctx.GetMatrix());
-        if (gradient) ac.SetSource(ctx.Source());
-        if (Angle() != 0) {
-          ac.Translate(zS / 2, zS / 2);
-          ac.Rotate(Angle());
-          ac.Translate(-zS / 2, -zS / 2);
-        }
-        if (gradient) {
-          ac.Scale(zS / picture->Width(), zS / picture->Height());
-          ac.MaskSurface(picture, 0, 0);
-        } else {
-          ac.DrawSurface(picture, 0, 0, zS, zS, Filter::Good, 1);
-        }
-      }
-      const Matrix kept = ctx.GetMatrix();
-      ctx.ResetMatrix();
-      reflect(a, kept);
-      ctx.SetMatrix(kept);
-    } else {
-      ctx.MaskSurface(picture, 0, 0);
-    }
-    if (O != 100) {
-      ctx.PopGroupToSource();
-      ctx.Paint(O / 100);
-    }
-    if ((EffType() == 2 && !EffBGKey().empty()) || formClip) ctx.ResetClip();
-    if (app.ShowsSelectionFrame && app.ShowsSelectionFrame(*this)) {
-      ctx.SetLineWidth(1);
-      ctx.Rectangle(0, 0, zS, zS);
-      ctx.SetSourceColor(0);
-      ctx.SetDash({4, 4}, 0);
-      ctx.Stroke(true);
-      ctx.SetSourceColor(0xFFFFFF);
-      ctx.SetDash({4, 4}, 4);
-      ctx.Stroke();
-    }
-    ctx.Restore();
-    if (formClip) {
-      ctx.PushGroup();
-      RenderLine(ctx, linePath, lineW * 1.3, lineColour, S, S);
-      ctx.PopGroupToSource();
-      ctx.Paint(O / 100);
-    }
+    drawInk();
   }
-  // 11. The canvas marks the centre of the selected layer.
+  if (O != 100) {
+    ctx.PopGroupToSource();
+    ctx.Paint(O / 100);
+  }
+  if (backgroundClip || formClip) ctx.ResetClip();
+  if (!vector && app.ShowsSelectionFrame && app.ShowsSelectionFrame(*this)) {
+    ctx.SetLineWidth(1);
+    ctx.Rectangle(0, 0, zS, zS);
+    ctx.SetSourceColor(0);
+    ctx.SetDash({4, 4}, 0);
+    ctx.Stroke(true);
+    ctx.SetSourceColor(0xFFFFFF);
+    ctx.SetDash({4, 4}, 4);
+    ctx.Stroke();
+  }
+  ctx.Restore();
+  if (formClip) {
+    // The line of a form is drawn a little heavier on pictures, as the
+    // canvas shows it.
+    ctx.PushGroup();
+    RenderLine(ctx, linePath, vector ? lineW : lineW * 1.3, lineColour, S, S);
+    ctx.PopGroupToSource();
+    ctx.Paint(O / 100);
+  }
+  // The canvas marks the centre of the selected layer.
   if (showCentre && app.ShowCentre) app.ShowCentre(*this, cx, cy);
 }
 

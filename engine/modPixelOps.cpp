@@ -128,12 +128,12 @@ Bytes ResizeSVG(const Bytes& svg, int width, int height, bool fit, bool scale, b
   return vector ? surface->SvgDocumentBytes() : surface->ToPngBytes();
 }
 
-SurfacePtr GetCachedSurface(cSVGItem& item, KeyedCollection<SurfacePtr>& cache, int side, int maxEntries,
+SurfacePtr GetCachedSurface(cSVGItem& item, PictureCache& cache, int side, int maxEntries,
                             const std::string& backKey, double border, bool gray) {
   const std::string key = CachedSurfaceKey(item, side);
   if (cache.Count() > maxEntries) cache.Clear();
-  const bool present = cache.Exists(key);
-  if (item.Angle() == 0 && present) return cache.Item(key);
+  const PictureCache::Entry* present = cache.Find(key);
+  if (item.Angle() == 0 && present) return present->Surface;
   const std::string style = item.Style();
   if (gray && !present && (style == "Slimline" || style == "Strokes" || style == "Shapes")) {
     // Line icons stay readable on a dark list.
@@ -147,7 +147,7 @@ SurfacePtr GetCachedSurface(cSVGItem& item, KeyedCollection<SurfacePtr>& cache, 
   }
   App().SvgRenderer->Render(ctx, item.SvgBytes(), border, border, side - 2 * border, side - 2 * border,
                             item.Angle());
-  if (item.Angle() == 0) cache.Add(surface, key);
+  if (item.Angle() == 0) cache.Add(key, surface);
   return surface;
 }
 
@@ -305,11 +305,11 @@ PathPtr GetShadowPathFromShape(const std::string& symbolKey, const std::string& 
   ctx.Translate(W / 2, H / 2);
   ctx.Rotate(90 - angle);
   ctx.Translate(-W / 2, -H / 2);
-  const auto draw = [&](cSVGItem& item) {
-    double zW, zH, L, T;
-    item.CalcOffSet(W, H, zW, zH, L, T);
-    app.SvgRenderer->Render(ctx, item.SvgBytes(), item.OffSetx() / 100 * W + (W - zW) / 2,
-                            item.OffSetY() / 100 * H + (H - zH) / 2, zW, zH, item.Angle());
+  // Placed exactly as the canvas draws them, so that the shadow leaves the
+  // symbol's edges and no other place.
+  const auto draw = [&](const cSVGItem& item) {
+    const LayerPlacement p = item.Placement(std::min(W, H));
+    app.SvgRenderer->Render(ctx, item.SvgBytes(), p.tx, p.ty, p.zS, p.zS, item.Angle());
   };
   if (background) {
     background->setFilter(cSVGItem::FilterColor);

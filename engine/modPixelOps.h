@@ -11,6 +11,7 @@
 #include "platform/ImageList.h"
 #include "platform/KeyedCollection.h"
 #include "platform/Path.h"
+#include "platform/PictureCache.h"
 
 namespace qds {
 
@@ -44,9 +45,9 @@ std::string CachedSurfaceKey(const cSVGItem& item, int side);
 Bytes ResizeSVG(const Bytes& svg, int width, int height, bool fit, bool scale, bool vector = true);
 
 // The layer as a picture of side `side`, from `cache` when it is there. The
-// cache empties wholly when it holds more than `maxEntries`. Turned layers
-// are drawn anew each time and never kept.
-SurfacePtr GetCachedSurface(cSVGItem& item, KeyedCollection<SurfacePtr>& cache, int side, int maxEntries,
+// cache empties wholly when it holds more than `maxEntries` (or passes its
+// byte bound). Turned layers are drawn anew each time and never kept.
+SurfacePtr GetCachedSurface(cSVGItem& item, PictureCache& cache, int side, int maxEntries,
                             const std::string& backKey = {}, double border = 0, bool gray = false);
 
 // The outline of a layer's icon grown by its clip distance, in 256 units;

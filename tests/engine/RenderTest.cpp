@@ -392,7 +392,7 @@ TEST(PixelOps, MarginsOfABlankPictureAndTheCacheLimit) {
   EXPECT_EQ(memo.Top, 30);
   EXPECT_NEAR(again, scale, 1e-9);
 
-  KeyedCollection<SurfacePtr> cache;
+  PictureCache cache{std::size_t{1} << 30};
   cSVGItem item;
   for (int i = 0; i < 129; ++i) {
     item.Init(Value(i),
@@ -403,4 +403,70 @@ TEST(PixelOps, MarginsOfABlankPictureAndTheCacheLimit) {
   EXPECT_EQ(cache.Count(), 129);
   GetCachedSurface(item, cache, 8, 128);  // more than the limit: emptied first
   EXPECT_EQ(cache.Count(), 1);
+}
+
+TEST_F(RenderFixture, ALongShadowIsCastOnlyByItsSymbol) {
+  constexpr int kSide = 256;
+  constexpr double kPi = 3.14159265358979323846;
+  struct Case {
+    int pos;
+    double distance, offsetX, angle;
+  };
+  for (const Case c : {Case{5, 0, 0, 135}, Case{1, 6, 0, 135}, Case{9, 4, 0, 45}, Case{0, 0, -12, 135}}) {
+    ItemCollection& layers = s.app->Layers;
+    layers.Clear();
+    SVGItemPtr sym = Layer("star");
+    sym->setZoomPercent(60);
+    sym->setPos(c.pos);
+    sym->setDistance(c.distance);
+    if (c.pos == 0) sym->setOffSetx(c.offsetX);
+    auto ls = std::make_shared<cSVGItem>();
+    ls->Init(Value("0101260000Long Shadow"), {}, "Long Shadow", nullptr, true, cSVGItem::FilterColor);
+    ls->setEffType(1);
+    ls->setEffSymbolKey("sym");
+    ls->setEffBGKey("bg");
+    ls->setLSAngle(c.angle);
+    layers.Add(sym, "sym");
+    layers.Add(ls, "ls");
+    layers.Add(Layer("Background_Rounded_Square_Blue", "Design Elements"), "bg");
+    ls->SettingsRefresh();
+    ls->setColorItem(cColorItem(0x000000));
+    const auto alone = [&](cSVGItem& layer) {
+      SurfacePtr surface = DrawingSurface::Create(kSide, kSide);
+      DrawingContext ctx(surface);
+      layer.RenderTo(ctx, kSide, kSide);
+      return surface;
+    };
+    const SurfacePtr shadow = alone(*ls), symbol = alone(*sym);
+    // Walk from each shadow pixel towards the light: the symbol must be
+    // met on the way, give or take a pixel of antialiasing.
+    const double back = (c.angle - 90 + 180) * kPi / 180;
+    const double dx = std::cos(back), dy = std::sin(back);
+    const auto ink = [&](double x, double y) {
+      for (int oy = -1; oy <= 1; ++oy) {
+        for (int ox = -1; ox <= 1; ++ox) {
+          const int px = static_cast<int>(std::lround(x)) + ox, py = static_cast<int>(std::lround(y)) + oy;
+          if (px >= 0 && py >= 0 && px < kSide && py < kSide && PixelAt(symbol, px, py).a > 0) return true;
+        }
+      }
+      return false;
+    };
+    int shadowPixels = 0, uncast = 0;
+    for (int y = 0; y < kSide; ++y) {
+      for (int x = 0; x < kSide; ++x) {
+        if (PixelAt(shadow, x, y).a < 128 || PixelAt(symbol, x, y).a > 0) continue;
+        ++shadowPixels;
+        double px = x, py = y;
+        bool cast = false;
+        while (!cast && px >= 0 && py >= 0 && px < kSide && py < kSide) {
+          cast = ink(px, py);
+          px += dx * 0.5, py += dy * 0.5;
+        }
+        uncast += !cast;
+      }
+    }
+    EXPECT_GT(shadowPixels, kSide * kSide / 20) << "Pos " << c.pos;
+    EXPECT_LT(uncast, kSide * kSide / 1000) << "Pos " << c.pos << " angle " << c.angle;
+  }
+  s.app->Layers.Clear();
 }

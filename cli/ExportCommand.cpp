@@ -240,7 +240,17 @@ int RunExportCommand(AppContext& app, const std::vector<std::string>& args, std:
       }
       if (!hasBaseEntry) throw Fail{"the design has no base layer to take the icons"};
     }
-    if (!FillLayersFromEntries(app, design.Contents)) throw Fail{Say(app, "LoadError")};
+    DesignLoadReport loaded;
+    if (!FillLayersFromEntries(app, design.Contents, &loaded)) {
+      throw Fail{Say(app, "LoadError") + ": " + loaded.Error};
+    }
+    if (loaded.MissingIcons > 0) {
+      err << "quillaron export: " << loaded.MissingIcons
+          << " icon(s) of the design are no longer in the library and show as the stand-in icon\n";
+    }
+    if (loaded.SkippedEntries > 0) {
+      err << "quillaron export: " << loaded.SkippedEntries << " layer(s) of the design were left out\n";
+    }
     if (app.Layers.Empty()) throw Fail{"the design has nothing to draw"};
     app.DesignOpacity = design.Opacity;
     app.DesignOpacityOn = design.UseOpacity;

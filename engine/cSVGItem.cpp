@@ -24,6 +24,16 @@ bool IsNumericID(const Value& id) {
   }
 }
 
+int BlendOperator(long long stored) {
+  // Over, Add, and the separable and non-separable blend modes of the menu.
+  for (const int op :
+       {Op::Over, Op::Add, Op::Multiply, Op::Screen, Op::Overlay, Op::Darken, Op::Lighten, Op::ColorDodge,
+        Op::ColorBurn, Op::HardLight, Op::SoftLight, Op::Difference, Op::Exclusion}) {
+    if (stored == op) return op;
+  }
+  return Op::Over;
+}
+
 bool LineAllowed(const std::string& style, const std::string& theme, const std::string& textContent) {
   return !textContent.empty() || style == "Slimline" || style == "Shapes" || style == "Flat" ||
          (style == "Quillaron" && theme == "Shapes");
@@ -35,7 +45,7 @@ void cSVGItem::Init(const Value& id, const Bytes& svgBytes, const std::string& f
   initPath_ = std::move(initPath);
   id_ = id;
   svgBytes_ = svgBytes;
-  fillOptions_ = fillOptions;
+  fillOptions_ = BlendOperator(fillOptions);
   friendlyName_ = friendlyName;
   colorItem_ = colorItem ? colorItem->Clone() : cColorItem();
   filter_ = filter;

@@ -27,6 +27,10 @@ class cSVGItem;
 class DrawingContext;
 using SVGItemPtr = std::shared_ptr<cSVGItem>;
 
+// A stored blend operator as one the layer menu offers; any other number
+// (a damaged design or template) draws as "Over".
+int BlendOperator(long long stored);
+
 // Where a layer's picture lands in a square of side S: the zoomed side zS,
 // the transparent margins of the visible picture at that zoom, and the
 // translation of the picture's zS box inside the square.
@@ -73,7 +77,7 @@ class cSVGItem {
   bool Visible() const { return visible_; }
   void setVisible(bool v) { visible_ = v; }
   int FillOptions() const { return fillOptions_; }
-  void setFillOptions(int v) { fillOptions_ = v; }
+  void setFillOptions(int v) { fillOptions_ = BlendOperator(v); }
   int Filter() const { return filter_; }
   void setFilter(int filter);  // a new value re-applies the colour
   bool Rebuilding() const { return rebuilding_; }
@@ -116,6 +120,11 @@ class cSVGItem {
   const PathPtr& ClipIPath() const { return clipIPath_; }
   void setClipIPath(PathPtr p) { clipIPath_ = std::move(p); }
   const Value& ClipIOverlayID() const { return clipIOverlayId_; }
+  // 0 makes the next refresh trace the cutting icon again.
+  void setClipIOverlayID(const Value& id) { clipIOverlayId_ = id; }
+  // Traces the outline of the layer that cuts this one, when that layer's
+  // icon, picture or turn, or this layer's clip distance, has changed.
+  void RefreshClipWithIcon();
 
 #define QDS_BAG(Type, Name, Key, Getter, Def)        \
   Type Name() const {                                \
@@ -247,7 +256,6 @@ class cSVGItem {
   // layer has no stops or an angle without a pattern.
   std::optional<Pattern> GradientPattern(const LayerPlacement& p) const;
   void RefreshText();
-  void RefreshClipWithIcon();
   bool RefreshGlow();
   void RefreshLine();
   bool RefreshLongShadow();
@@ -257,6 +265,7 @@ class cSVGItem {
   PathPtr initPath_;
   Value clipIOverlayId_;
   PathPtr clipIPath_;
+  std::string clipISource_;  // what clipIPath_ was traced from
   Value id_;
   std::string friendlyName_;
   Bytes svgBytes_;

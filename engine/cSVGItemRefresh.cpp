@@ -166,11 +166,16 @@ void cSVGItem::RefreshText() {
 void cSVGItem::RefreshClipWithIcon() {
   ItemCollection& layers = App().Layers;
   if (ClipIOverlayKey().empty() || !layers.Exists(ClipIOverlayKey())) return;
-  const SVGItemPtr overlay = layers.Item(ClipIOverlayKey())->Clone();
-  if (overlay->ID() == clipIOverlayId_) return;
+  const cSVGItem& cutter = *layers.Item(ClipIOverlayKey());
+  // Tracing is slow: only a new icon, picture, turn or distance needs it.
+  const std::string source = ContentHash(cutter.SvgBytes()) + "|" + std::to_string(cutter.Angle()) + "|" +
+                             std::to_string(ClipIOffset());
+  if (cutter.ID() == clipIOverlayId_ && source == clipISource_ && clipIPath_) return;
+  const SVGItemPtr overlay = cutter.Clone();
   overlay->setClipIOffset(ClipIOffset());
   clipIPath_ = GetPathFromIcon(*overlay);
   clipIOverlayId_ = overlay->ID();
+  clipISource_ = source;
 }
 
 SVGItemPtr cSVGItem::FollowSymbol() {

@@ -1,5 +1,7 @@
 #include "engine/modFunctions.h"
 
+#include <algorithm>
+
 #include "app/AppContext.h"
 #include "engine/cSVGItem.h"
 #include "engine/modParser.h"
@@ -12,11 +14,13 @@ namespace qds {
 
 namespace {
 
-// Translate and scale from the layer's icon space to the target.
-void PlaceLayer(DrawingContext& ctx, const cSVGItem& layer, double W, double H, double zW, double zH) {
-  ctx.Translate(layer.OffSetx() / 100 * W + (W - zW) / 2 + layer.MoveX / 100 * W,
-                layer.OffSetY() / 100 * H + (H - zH) / 2 + layer.MoveY / 100 * H);
-  ctx.Scale(layer.ZoomPercent() / 100 * (W / 256), layer.ZoomPercent() / 100 * (H / 256));
+// Translate and scale from the layer's 256-unit icon space to where the
+// layer is drawn on the target, so that a cut or a bound lines up with the
+// picture.
+void PlaceLayer(DrawingContext& ctx, const cSVGItem& layer, double W, double H) {
+  const LayerPlacement p = layer.Placement(std::min(W, H));
+  ctx.Translate(p.tx, p.ty);
+  ctx.Scale(p.zS / 256, p.zS / 256);
 }
 
 void Collect(const XmlNode& node, std::vector<XmlNode>& found) {
@@ -37,32 +41,32 @@ void Groups(const XmlNode& node, const std::string& value, std::vector<XmlNode>&
 
 }  // namespace
 
+void RefreshIconClips(AppContext& app) {
+  for (const auto& e : app.Layers) {
+    if (!e.Item->ClipIOverlayKey().empty()) e.Item->RefreshClipWithIcon();
+  }
+}
+
 bool SetIconClipPath(DrawingContext& ctx, const std::string& key, double W, double H) {
   ItemCollection& layers = App().Layers;
   if (!layers.Exists(key)) return false;
-  const SVGItemPtr layer = layers.Item(key)->Clone();
-  double zW, zH, L, T;
-  if (layer->Pos() != 0) layer->CalcOffSet(0, 0, zW, zH, L, T);
-  layer->CalcOffSet(W, H, zW, zH, L, T);
   ctx.Save();
-  PlaceLayer(ctx, *layer, W, H, zW, zH);
+  PlaceLayer(ctx, *layers.Item(key), W, H);
   return true;
 }
 
 bool SetBGPath(DrawingContext& ctx, const std::string& key, double W, double H) {
   ItemCollection& layers = App().Layers;
   if (!layers.Exists(key)) return false;
-  const SVGItemPtr layer = layers.Item(key)->Clone();
-  double zW, zH, L, T;
-  layer->CalcOffSet(W, H, zW, zH, L, T);
-  const KeyedCollection<PathPtr> paths = GetCairoPathsFromSVG(layer->XML());
+  const cSVGItem& layer = *layers.Item(key);
+  const KeyedCollection<PathPtr> paths = GetCairoPathsFromSVG(layer.XML());
   if (paths.Count() == 0) return false;
   // The copy must be taken in the caller's space, not the layer's: a path
   // copies out in the coordinates of the transformation then in force.
   const Matrix callers = ctx.GetMatrix();
   ctx.Save();
   ctx.NewPath();
-  PlaceLayer(ctx, *layer, W, H, zW, zH);
+  PlaceLayer(ctx, layer, W, H);
   for (const auto& e : paths) ctx.AppendPath(*e.Item);
   ctx.SetMatrix(callers);
   const PathPtr outline = ctx.CopyPath(true, 0.1);

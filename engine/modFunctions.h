@@ -9,6 +9,11 @@
 namespace qds {
 
 class DrawingContext;
+struct AppContext;
+
+// Every layer cut by another layer's icon gets its cut traced, where it is
+// missing or out of date: after a load, an undo, or a new icon in a layer.
+void RefreshIconClips(AppContext& app);
 
 // Saves the context and moves it so that a path in the layer's 256-unit
 // icon space lands where the layer is drawn on a W by H target. False, with

@@ -116,6 +116,15 @@ std::string AddAlphaToSVG(const std::string& svg, double alpha) {
 }
 
 ExportResult RunExport(AppContext& app, const ExportOptions& o, ExportObserver& observer) {
+  // Pictures cached at this run's size are of little use afterwards, and
+  // at large sizes they are hundreds of megabytes: give them back.
+  struct ReleaseCaches {
+    AppContext& app;
+    ~ReleaseCaches() {
+      app.RenderCache.Clear();
+      app.BlurCache.Clear();
+    }
+  } releaseCaches{app};
   ExportResult result;
   if (app.Layers.Empty()) {
     result.Completed = true;
@@ -194,9 +203,10 @@ ExportResult RunExport(AppContext& app, const ExportOptions& o, ExportObserver& 
         if (!layer->Visible()) continue;
         if (app.RemoveClipPath && NeedsClips(*layer)) keepClips = true;
         // A picture that follows the substituted icon is made anew.
-        if (layer->EffSymbolKey() == "_BaseIco" || layer->EffSymbolKey() == o.ExportOverlayKey ||
-            (!layer->ClipIOverlayKey().empty() && hasOverlay)) {
+        if (layer->EffSymbolKey() == "_BaseIco" || layer->EffSymbolKey() == o.ExportOverlayKey) {
           layer->SettingsRefresh();
+        } else if (!layer->ClipIOverlayKey().empty()) {
+          layer->RefreshClipWithIcon();  // traced once, and again for each new cutting icon
         }
         layer->RenderTo(ctx, S, S);
       }

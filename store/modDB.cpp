@@ -1,6 +1,7 @@
 #include "store/modDB.h"
 
 #include "engine/cSVGItem.h"
+#include "engine/modFunctions.h"
 #include "platform/Error.h"
 #include "platform/TextUtil.h"
 
@@ -131,9 +132,10 @@ bool WriteLayerEntry(AppContext& app, int layerId, int position, const std::stri
   }
 }
 
-void ValidateImageIDs(AppContext& app, cLayersEntries& entry) {
+int ValidateImageIDs(AppContext& app, cLayersEntries& entry) {
   const std::string ids = entry.ImageIDs();
-  if (ids.empty()) return;
+  if (ids.empty()) return 0;
+  int replaced = 0;
   std::string out;
   std::size_t start = 0;
   for (;;) {
@@ -145,13 +147,17 @@ void ValidateImageIDs(AppContext& app, cLayersEntries& entry) {
       present =
           !app.Cnn.Query("Select ID From Images Where ID = " + std::to_string(Value(id).AsLong())).Eof();
     }
-    if (!present) id = std::to_string(app.DummyID);
+    if (!present) {
+      id = std::to_string(app.DummyID);
+      ++replaced;
+    }
     if (!out.empty()) out += ",";
     out += id;
     if (comma == std::string::npos) break;
     start = comma + 1;
   }
   entry.setImageIDs(out);
+  return replaced;
 }
 
 std::string CreateSQLSelectImages(const std::string& condition) {
@@ -190,61 +196,113 @@ DbRecordset QueryStylesAndThemes(AppContext& app) {
       "order by Styles_Name, Themes_Name");
 }
 
-bool FillCurrentLayerList(AppContext& app, int layerId) {
+bool FillCurrentLayerList(AppContext& app, int layerId, DesignLoadReport* report) {
+  DesignLoadReport local;
+  DesignLoadReport& r = report ? *report : local;
+  std::vector<std::string> contents;
   try {
     DbRecordset rs = app.Cnn.Query("Select * From LayerEntries Where Layer_ID=" + std::to_string(layerId) +
                                    " Order By OrdIndex");
-    std::vector<std::string> contents;
     for (; !rs.Eof(); rs.MoveNext()) contents.push_back(rs.Fields("Content").AsString());
-    return FillLayersFromEntries(app, contents);
-  } catch (const AppError&) {
+  } catch (const AppError& e) {
+    r.Error = e.Description();
     return false;
   }
+  return FillLayersFromEntries(app, contents, &r);
 }
 
-bool FillLayersFromEntries(AppContext& app, const std::vector<std::string>& contents) {
+bool FillLayersFromEntries(AppContext& app, const std::vector<std::string>& contents,
+                           DesignLoadReport* report) {
+  DesignLoadReport local;
+  DesignLoadReport& r = report ? *report : local;
+  r = {};
+  // Every entry is read before anything changes: a design that cannot be
+  // read leaves the one on screen as it is.
+  std::vector<cLayersEntries> entries(contents.size());
+  for (std::size_t i = 0; i < contents.size(); ++i) {
+    const std::string where = "layer entry " + std::to_string(i + 1);
+    cLayersEntries& entry = entries[i];
+    if (!entry.setContent(contents[i])) {
+      r.Error = where + " is not a JSON object";
+      return false;
+    }
+    if (entry.Key().empty()) {
+      r.Error = where + " has no key";
+      return false;
+    }
+    if (!entry.IsBaseEntry() && !IsGeneratedKey(entry.Key()) && !IsNumericID(Value(entry.ImageIDs()))) {
+      r.Error = where + " (" + entry.Key() + ") names no library icon: \"" + entry.ImageIDs() + "\"";
+      return false;
+    }
+  }
+
+  ItemCollection layers, baseIcons;
+  std::vector<std::string> derived;
   try {
-    app.Layers.Clear();
-    app.OverlayLayers.Clear();
-    app.BaseIcons.Clear();
-    std::vector<std::string> derived;
-    for (const std::string& content : contents) {
-      cLayersEntries entry;
-      if (!entry.setContent(content)) continue;
+    for (cLayersEntries& entry : entries) {
       const std::string key = entry.Key();
       SVGItemPtr item;
       if (entry.IsBaseEntry()) {
-        ValidateImageIDs(app, entry);
+        r.MissingIcons += ValidateImageIDs(app, entry);
         if (!entry.ImageIDs().empty()) {
-          AddBaseSVGs(app, 0, 0, "[Images].ID In (" + entry.ImageIDs() + ")", app.BaseIcons);
+          AddBaseSVGs(app, 0, 0, "[Images].ID In (" + entry.ImageIDs() + ")", baseIcons);
         }
-        if (app.BaseIcons.Empty()) continue;
-        item = app.BaseIcons.Item(0)->Clone();
-        app.BaseIndex = 0;
+        if (baseIcons.Empty()) {
+          ++r.SkippedEntries;
+          continue;
+        }
+        item = baseIcons.Item(0)->Clone();
       } else if (IsGeneratedKey(key)) {
         item = std::make_shared<cSVGItem>();
         item->setID(Value(key));
         item->setFriendlyName(key);
       } else {
-        ValidateImageIDs(app, entry);
+        r.MissingIcons += ValidateImageIDs(app, entry);
         DbRecordset row = app.Cnn.Query(
             CreateSQLSelectImages("where [Images].ID = " + std::to_string(Value(entry.ImageIDs()).AsLong())));
-        if (row.Eof()) continue;
+        if (row.Eof()) {
+          ++r.SkippedEntries;  // not even the stand-in icon is there
+          continue;
+        }
         item = ItemFromRow(row);
       }
       ApplyEntry(*item, entry);
-      if (app.Layers.Exists(key)) continue;  // a damaged design: first entry wins
-      app.Layers.Add(item, key);
+      if (layers.Exists(key)) {
+        ++r.SkippedEntries;  // a damaged design: the first entry of a key wins
+        continue;
+      }
+      layers.Add(item, key);
       if (item->EffType() != 0 || !item->TextContent().empty() || item->EffIsLine()) derived.push_back(key);
     }
-    // Pictures that derive from other layers are made once all are there.
+  } catch (const AppError& e) {
+    r.Error = e.Description();
+    return false;
+  }
+
+  // Pictures that derive from other layers are made once all are there, on
+  // the new stack; a failure there puts the old design back.
+  ItemCollection oldLayers = std::move(app.Layers), oldBase = std::move(app.BaseIcons),
+                 oldOverlays = std::move(app.OverlayLayers);
+  const int oldIndex = app.BaseIndex;
+  app.Layers = std::move(layers);
+  app.BaseIcons = std::move(baseIcons);
+  app.OverlayLayers = ItemCollection();
+  app.BaseIndex = 0;
+  try {
     for (const std::string& key : derived) {
       if (app.Layers.Exists(key)) app.Layers.Item(key)->SettingsRefresh();
     }
-    return true;
-  } catch (const AppError&) {
+    RefreshIconClips(app);
+  } catch (const std::exception& e) {
+    app.Layers = std::move(oldLayers);
+    app.BaseIcons = std::move(oldBase);
+    app.OverlayLayers = std::move(oldOverlays);
+    app.BaseIndex = oldIndex;
+    const auto* appError = dynamic_cast<const AppError*>(&e);
+    r.Error = appError ? appError->Description() : e.what();
     return false;
   }
+  return true;
 }
 
 int WriteColorSettings(AppContext& app, const std::string& name, const std::string& description, int layers,

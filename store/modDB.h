@@ -22,12 +22,24 @@ bool WriteCurrentLayerList(AppContext& app, const std::string& name, const std::
                            const Bytes& thumbnail);
 bool WriteLayerEntry(AppContext& app, int layerId, int position, const std::string& key, const cSVGItem& item,
                      bool isBaseEntry);
+// What a design load met on the way.
+struct DesignLoadReport {
+  std::string Error;       // why the design could not be read; empty when it was
+  int MissingIcons = 0;    // icons gone from the library, shown as the stand-in icon
+  int SkippedEntries = 0;  // entries left out: a repeated key, a base layer with no icons
+};
+
 // Rebuilds Layers, BaseIcons and OverlayLayers from the design's rows.
-// Icons that have left the library become the stand-in icon.
-bool FillCurrentLayerList(AppContext& app, int layerId);
+// Icons that have left the library become the stand-in icon. A design that
+// cannot be read answers false, says why, and leaves the present one as it
+// is.
+bool FillCurrentLayerList(AppContext& app, int layerId, DesignLoadReport* report = nullptr);
 // The same from the entries' contents, in stack order, as a file holds them.
-bool FillLayersFromEntries(AppContext& app, const std::vector<std::string>& contents);
-void ValidateImageIDs(AppContext& app, cLayersEntries& entry);
+bool FillLayersFromEntries(AppContext& app, const std::vector<std::string>& contents,
+                           DesignLoadReport* report = nullptr);
+// Replaces the IDs of icons gone from the library by the stand-in icon;
+// answers how many it replaced.
+int ValidateImageIDs(AppContext& app, cLayersEntries& entry);
 
 // The full query of images with their style and theme, followed by `condition`.
 std::string CreateSQLSelectImages(const std::string& condition);

@@ -2,6 +2,7 @@
 
 #include "engine/cUndoRedo.h"
 #include "engine/modHistory.h"
+#include "platform/Error.h"
 #include "tests/support/LibraryLayers.h"
 #include "tests/support/StartedApp.h"
 
@@ -92,4 +93,34 @@ TEST(UndoRedo, UndoAndRedoRestoreTheDesignAndDropEffectsWithoutSymbol) {
   EXPECT_FALSE(app.DesignModified);  // an empty stack is nothing to save
   SetHistory(app, HistoryMode::Clear);
   EXPECT_EQ(app.UndoRedo.HistoryCount(), 1);
+}
+
+TEST(History, AStepThatFailsHalfWayLeavesTheDesignAndTheHistoryWorking) {
+  StartedApp s;
+  ASSERT_TRUE(StartWithoutWindow(*s.app));
+  AppContext& app = *s.app;
+  app.UndoRedo.setMax(10);
+  app.Layers.Add(LibraryLayer(app, "star", "Flat"), "a");
+  SetHistory(app, HistoryMode::Clear);
+  app.Layers.Add(LibraryLayer(app, "lock", "Flat"), "b");
+  app.DesignOpacity = 60;
+  AddToHistory(app);
+  const SVGItemPtr b = app.Layers.Item("b");
+
+  app.LayersRestored = [] { Raise(ErrNo::InvalidData, "the list could not be shown", "test"); };
+  EXPECT_THROW(SetHistory(app, HistoryMode::Undo), AppError);
+  EXPECT_FALSE(app.ApplyingHistory);
+  EXPECT_EQ(app.Layers.Count(), 2);
+  EXPECT_EQ(app.Layers.Item("b"), b);
+  EXPECT_EQ(app.DesignOpacity, 60);
+  EXPECT_EQ(app.UndoRedo.Current(), 1);
+
+  // Snapshots are taken again, and undo works once the fault is gone.
+  app.LayersRestored = nullptr;
+  app.Layers.Item("a")->setOpacity(50);
+  AddToHistory(app);
+  EXPECT_EQ(app.UndoRedo.HistoryCount(), 3);
+  SetHistory(app, HistoryMode::Undo);
+  EXPECT_EQ(app.Layers.Item("a")->Opacity(), 100);
+  EXPECT_EQ(app.Layers.Count(), 2);
 }

@@ -107,6 +107,8 @@ struct Parity : ::testing::Test {
       ExportObserver quiet;
       const ExportResult r = RunExport(*s.app, o, quiet);
       EXPECT_EQ(r.Written, 1) << name << " " << format;
+      // The run gives back what it cached at its size.
+      EXPECT_EQ(s.app->RenderCache.Count() + s.app->BlurCache.Count(), 0) << name;
     }
     const std::string stem = JoinPath(out.Path(), name + "_" + std::to_string(kSide));
     png = DrawingSurface::FromPngFile(stem + ".png");

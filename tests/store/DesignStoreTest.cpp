@@ -4,13 +4,17 @@
 
 #include "app/modTexts.h"
 #include "cli/CommandLine.h"
+#include "engine/modFunctions.h"
+#include "engine/modHistory.h"
 #include "engine/modRenderDesign.h"
+#include "export/modExport.h"
 #include "platform/DrawingContext.h"
 #include "platform/Files.h"
 #include "store/modDB.h"
 #include "store/modTemplates.h"
 #include "tests/support/LibraryLayers.h"
 #include "tests/support/StartedApp.h"
+#include "tests/support/TempDir.h"
 
 using namespace qds;
 
@@ -228,4 +232,136 @@ TEST_F(Design, TheCommandLineListsShowsSavesExportsImportsAndDeletes) {
   ASSERT_EQ(run({"delete", "copy"}), 0);
   EXPECT_EQ(s.Count("Select Count(*) From Layer"), 2);
   EXPECT_EQ(run({"frobnicate", "x"}), 2);
+}
+
+namespace {
+
+// Share of pixels in which two pictures differ by more than a little.
+double Differing(const SurfacePtr& a, const SurfacePtr& b) {
+  int off = 0;
+  const PixelView va = a->Pixels(), vb = b->Pixels();
+  for (int y = 0; y < a->Height(); ++y) {
+    for (int x = 0; x < a->Width(); ++x) {
+      const std::uint8_t* p = va.Bytes() + y * va.Stride() + 4 * x;
+      const std::uint8_t* q = vb.Bytes() + y * vb.Stride() + 4 * x;
+      for (int c = 0; c < 4; ++c) {
+        if (std::abs(p[c] - q[c]) > 48) {
+          ++off;
+          break;
+        }
+      }
+    }
+  }
+  return off / static_cast<double>(a->Width() * a->Height());
+}
+
+}  // namespace
+
+TEST_F(Design, AnIconClipSurvivesSavingLoadingExportAndUndo) {
+  AppContext& app = *s.app;
+  const auto build = [&](bool clip) {
+    app.Layers.Clear();
+    app.BaseIcons.Clear();
+    SVGItemPtr icon = LibraryLayer(app, "star", "Flat");
+    app.BaseIcons.Add(icon, icon->ID().AsString());
+    SVGItemPtr base = icon->Clone();
+    base->setZoomPercent(60);
+    base->setPos(5);
+    SVGItemPtr bg = LibraryLayer(app, "Background_Rounded_Square_Blue", "Design Elements");
+    if (clip) {
+      bg->setClipIOverlayKey("_BaseIco");
+      bg->setClipIOffset(14);
+      base->setClipIBaseKey(bg->ID().AsString());
+    }
+    app.Layers.Add(base, "_BaseIco");
+    app.Layers.Add(bg, bg->ID().AsString());
+    if (clip) bg->SettingsRefresh();
+  };
+  const auto picture = [&] {
+    SurfacePtr surface = DrawingSurface::Create(128, 128);
+    DrawingContext ctx(surface);
+    RenderDesign(app, ctx, 128);
+    return surface;
+  };
+  build(false);
+  const SurfacePtr uncut = picture();
+  build(true);
+  const SurfacePtr cut = picture();
+  ASSERT_GT(Differing(cut, uncut), 0.03) << "the cut must show around the star";
+  const std::string bgKey = app.Layers.KeyByIndex(1);
+
+  // Saved and loaded: the cut is traced again.
+  ASSERT_TRUE(WriteCurrentLayerList(app, "Cut", "", {}));
+  const int id = static_cast<int>(s.Count("Select ID From Layer Where Name = 'Cut'"));
+  app.Layers.Clear();
+  ASSERT_TRUE(FillCurrentLayerList(app, id));
+  EXPECT_TRUE(app.Layers.Item(bgKey)->ClipIPath());
+  EXPECT_LT(Differing(picture(), cut), 0.002);
+
+  // Undone: snapshots hold no traced cut, yet the restored stack shows it.
+  SetHistory(app, HistoryMode::Clear);
+  app.Layers.Item(bgKey)->setOpacity(40);
+  AddToHistory(app);
+  SetHistory(app, HistoryMode::Undo);
+  EXPECT_TRUE(app.Layers.Item(bgKey)->ClipIPath());
+  EXPECT_LT(Differing(picture(), cut), 0.002);
+
+  // A wider clip distance, or a new cutting icon, traces the cut anew.
+  app.Layers.Item(bgKey)->setClipIOffset(30);
+  app.Layers.Item(bgKey)->SettingsRefresh();
+  const SurfacePtr wider = picture();
+  EXPECT_GT(Differing(wider, cut), 0.01);
+  SVGItemPtr heart = LibraryLayer(app, "heart-3", "Flat");
+  app.Layers.Item("_BaseIco")->setID(heart->ID());
+  app.Layers.Item("_BaseIco")->setXML(ToString(heart->SvgBytes()));
+  RefreshIconClips(app);
+  EXPECT_GT(Differing(picture(), wider), 0.01);
+
+  // Exported without overlays: each base icon cuts with its own outline.
+  app.Layers.Item(bgKey)->setClipIOffset(14);
+  RefreshIconClips(app);
+  const SurfacePtr heartCut = picture();
+  app.BaseIcons.Add(heart, heart->ID().AsString());
+  TempDir out;
+  ExportOptions o;
+  o.Format = "PNG";
+  o.Width = o.Height = 128;
+  o.Folder = out.Path();
+  ExportObserver quiet;
+  ASSERT_EQ(RunExport(app, o, quiet).Written, 2);
+  EXPECT_LT(Differing(DrawingSurface::FromPngFile(out / "star_128.png"), cut), 0.002);
+  EXPECT_LT(Differing(DrawingSurface::FromPngFile(out / "heart-3_128.png"), heartCut), 0.002);
+}
+
+TEST_F(Design, AnUnreadableDesignLeavesThePresentOneAndSaysWhy) {
+  AppContext& app = *s.app;
+  Build();
+  const SVGItemPtr top = app.Layers.Item(0);
+  const int count = app.Layers.Count();
+  const std::string star = std::to_string(IdOf("star"));
+  const std::string good = R"({"Key":"_BaseIco","IsBaseEntry":true,"ImageIDs":")" + star + R"("})";
+  DesignLoadReport report;
+  EXPECT_FALSE(FillLayersFromEntries(app, {good, "{\"Key\":", good}, &report));
+  EXPECT_NE(report.Error.find("layer entry 2"), std::string::npos) << report.Error;
+  EXPECT_FALSE(FillLayersFromEntries(app, {good, R"({"Key":"7","ImageIDs":"seven"})"}, &report));
+  EXPECT_NE(report.Error.find("seven"), std::string::npos) << report.Error;
+  EXPECT_FALSE(FillLayersFromEntries(app, {R"({"ImageIDs":"1"})"}, &report));
+  EXPECT_NE(report.Error.find("no key"), std::string::npos) << report.Error;
+  EXPECT_EQ(app.Layers.Count(), count);
+  EXPECT_EQ(app.Layers.Item(0), top);
+  EXPECT_EQ(app.BaseIcons.Count(), 2);
+
+  // Gone icons and repeated keys are loaded around, and counted; a blend
+  // operator nobody offers draws as "Over" instead of failing the picture.
+  ASSERT_TRUE(FillLayersFromEntries(app,
+                                    {R"({"Key":"9","ImageIDs":"987654","FillOptions":99})", good,
+                                     R"({"Key":"_BaseIco","IsBaseEntry":true,"ImageIDs":")" + star + R"("})"},
+                                    &report))
+      << report.Error;
+  EXPECT_EQ(report.MissingIcons, 1);
+  EXPECT_EQ(report.SkippedEntries, 1);
+  EXPECT_EQ(app.Layers.Count(), 2);
+  EXPECT_EQ(app.Layers.Item("9")->ID().AsLong(), app.DummyID);
+  EXPECT_EQ(app.Layers.Item("9")->FillOptions(), Op::Over);
+  EXPECT_NO_THROW(Png());
 }

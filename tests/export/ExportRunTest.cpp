@@ -383,8 +383,8 @@ TEST_F(Export, JpegQualityChangesTheFileAndLowerQualityStraysFurther) {
     g_object_unref(jpeg);
   }
   g_object_unref(picture);
-  EXPECT_NE(files[0], files[1]);
-  EXPECT_NE(files[1], files[2]);
+  EXPECT_TRUE(files[0] != files[1]) << "quality 95 and 60 wrote the same file";
+  EXPECT_TRUE(files[1] != files[2]) << "quality 60 and 20 wrote the same file";
   EXPECT_LT(errors[0], errors[1]) << "quality 95 against 60";
   EXPECT_LT(errors[1], errors[2]) << "quality 60 against 20";
 }

@@ -1,5 +1,6 @@
 #include "cli/ExportCommand.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <map>
@@ -251,6 +252,12 @@ int RunExportCommand(AppContext& app, const std::vector<std::string>& args, std:
     if (loaded.SkippedEntries > 0) {
       err << "quillaron export: " << loaded.SkippedEntries << " layer(s) of the design were left out\n";
     }
+    // A design without a base layer is drawn once; one with it, once per icon.
+    o.ExportHasBaseIcons =
+        std::any_of(design.Contents.begin(), design.Contents.end(), [](const std::string& c) {
+          cLayersEntries entry;
+          return entry.setContent(c) && entry.IsBaseEntry();
+        });
     if (app.Layers.Empty()) throw Fail{"the design has nothing to draw"};
     app.DesignOpacity = design.Opacity;
     app.DesignOpacityOn = design.UseOpacity;

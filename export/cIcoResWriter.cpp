@@ -95,7 +95,8 @@ void cIcoResWriter::SaveSurfaceToSimplePngIco(const SurfacePtr& surface, const s
   WriteAllBytes(fileName, SimplePngIcoBytes(surface));
 }
 
-Bytes cIcoResWriter::AlphaIcoBytes(const SurfacePtr& surface, const std::vector<std::string>& sizes) {
+Bytes cIcoResWriter::AlphaIcoBytes(const SurfacePtr& surface, const std::vector<std::string>& sizes,
+                                   unsigned threads) {
   std::vector<int> sides;
   for (const std::string& text : sizes) {
     std::int64_t size = 0;
@@ -130,12 +131,28 @@ Bytes cIcoResWriter::AlphaIcoBytes(const SurfacePtr& surface, const std::vector<
       if (!failed) failed = std::current_exception();
     }
   };
-  const std::size_t cores = std::max(1u, std::thread::hardware_concurrency());
-  const std::size_t helpers = n > 1 ? std::min(n, cores) - 1 : 0;
-  std::vector<std::thread> threads;
-  for (std::size_t t = 0; t < helpers; ++t) threads.emplace_back([&, copy = surface->Copy()] { work(copy); });
-  work(surface);
-  for (std::thread& t : threads) t.join();
+  const std::size_t wanted = threads ? threads : std::max(1u, std::thread::hardware_concurrency());
+  const std::size_t helpers = n > 1 ? std::min(n, wanted) - 1 : 0;
+  std::vector<std::thread> workers;
+  {
+    // Joined however this block is left: a joinable thread that is destroyed
+    // ends the program.
+    struct JoinAll {
+      std::vector<std::thread>& t;
+      ~JoinAll() {
+        for (std::thread& w : t) w.join();
+      }
+    } joinAll{workers};
+    try {
+      workers.reserve(helpers);
+      for (std::size_t t = 0; t < helpers; ++t)
+        workers.emplace_back([&, copy = surface->Copy()] { work(copy); });
+    } catch (...) {
+      // No thread, or no memory for one: the threads that run, this one
+      // among them, take the sizes that are left.
+    }
+    work(surface);
+  }
   if (failed) std::rethrow_exception(failed);
 
   Bytes directory;

@@ -19,8 +19,11 @@ class cIcoResWriter {
   static Bytes SimplePngIcoBytes(const SurfacePtr& surface);
   void SaveSurfaceToSimplePngIco(const SurfacePtr& surface, const std::string& fileName) const;
   // One image per size, in the order given. A size that is no number or
-  // below 1 raises an AppError before anything is written.
-  static Bytes AlphaIcoBytes(const SurfacePtr& surface, const std::vector<std::string>& sizes);
+  // below 1 raises an AppError before anything is written. The sizes are
+  // drawn on up to `threads` threads (0: one per core); the bytes are the
+  // same whatever the number, and fewer threads than asked for only cost time.
+  static Bytes AlphaIcoBytes(const SurfacePtr& surface, const std::vector<std::string>& sizes,
+                             unsigned threads = 0);
   void SaveSurfaceToAlphaIco(const SurfacePtr& surface, const std::string& fileName,
                              const std::vector<std::string>& sizes) const;
   // Icon resources are a Windows executable's; this system has none.

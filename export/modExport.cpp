@@ -130,6 +130,13 @@ ExportResult RunExport(AppContext& app, const ExportOptions& o, ExportObserver& 
     result.Completed = true;
     return result;
   }
+  // Base icons asked for and none there (all gone from the library, say):
+  // drawing anyway would write one file named by the size alone.
+  if (o.ExportHasBaseIcons && app.BaseIcons.Empty()) {
+    observer.Message("NothingToExport", "");
+    result.Error = "NothingToExport";
+    return result;
+  }
   const double A = app.DesignOpacityOn ? app.DesignOpacity / 100.0 : 1.0;
   if (!FolderExists(o.Folder)) {
     observer.Message("FolderMissing", o.Folder);
@@ -293,8 +300,10 @@ ExportResult RunExport(AppContext& app, const ExportOptions& o, ExportObserver& 
         if (app.RemoveClipPath && !keepClips) text = RemoveClipPaths(text);
         WriteUtf8Text(path, text);
       }
-    } catch (const AppError& e) {
-      // Files already written stay; the one that failed was never half written.
+    } catch (...) {
+      // Whatever the failure (no memory, no thread, a full disk), files
+      // already written stay, and the one that failed was never half written.
+      const AppError e = CurrentError("RunExport");
       observer.Message("SaveError", e.Description());
       result.Error = "SaveError";
       break;

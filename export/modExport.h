@@ -56,7 +56,8 @@ class ExportObserver {
     (void)fileName;
     return Answer::No;
   }
-  // A message by its text key: "FolderMissing", "ErrorCreateFolder", "SaveError".
+  // A message by its text key: "FolderMissing", "NothingToExport",
+  // "ErrorCreateFolder", "SaveError".
   virtual void Message(const std::string& key, const std::string& detail) { (void)key, (void)detail; }
   // One turn of the event loop per image; true asks the run to stop.
   virtual bool DoEventsAndCheckStop() { return false; }

@@ -9,6 +9,46 @@
 
 namespace qds {
 
+namespace {
+
+constexpr const char* kImportSource = "ImportTmpImages";
+
+// The connection's pending error, as the message shows it.
+std::string Reason(const DbConnection& cnn) {
+  return std::to_string(cnn.ErrorNumber()) + " " + cnn.ErrorText();
+}
+
+[[noreturn]] void RaiseWithReason(const DbConnection& cnn, const std::string& what) {
+  Raise(cnn.ErrorNumber(), what + ": " + Reason(cnn), kImportSource);
+}
+
+// Runs `work` as one transaction: a BEGIN, a statement of the work or a
+// COMMIT that fails undoes all of it and raises with `what` before the
+// reason, so the library holds the whole of the work or none of it.
+template <class Work>
+void InOneTransaction(DbConnection& cnn, const std::string& what, Work&& work) {
+  // A BEGIN that fails opened nothing, and what is open then is not ours.
+  if (!cnn.BeginTrans()) RaiseWithReason(cnn, what);
+  // SQLite may have undone the transaction already (a full disk does); a
+  // ROLLBACK that then finds nothing open changes nothing.
+  try {
+    work();
+  } catch (const AppError& e) {
+    cnn.RollbackTrans();
+    Raise(e.Number(), what + ": " + std::to_string(e.Number()) + " " + e.Description(), kImportSource);
+  } catch (...) {
+    cnn.RollbackTrans();
+    throw;
+  }
+  if (!cnn.CommitTrans()) {
+    const AppError failed(cnn.ErrorNumber(), what + ": " + Reason(cnn), kImportSource);
+    cnn.RollbackTrans();
+    throw failed;  // the COMMIT's reason, not the ROLLBACK's
+  }
+}
+
+}  // namespace
+
 void OpenDatabases(AppContext& app) {
   app.CnnResources = DbConnection::Open(app.PathOf(kResourcesFile), "", DbOpenMode::ReadOnly);
   app.Cnn = DbConnection::Open(app.PathOf(kLibraryFile), "", DbOpenMode::Existing);
@@ -20,17 +60,15 @@ int ImportTmpImages(AppContext& app, const std::function<void(int, int)>& progre
   if (total == 0) return 0;  // later starts cost nothing
   int copied = 0;
   for (int done = 1; !staging.Eof(); staging.MoveNext(), ++done) {
+    const std::string which = "batch " + std::to_string(done) + " of " + std::to_string(total);
     DbRecordset batch;
     try {
       batch = DbRecordset::Deserialize(GzipDecompress(staging.Fields("Content").AsBytes()));
     } catch (const AppError& e) {
       Raise(ErrNo::InvalidData,
-            "The icon collection could not be unpacked (batch " + std::to_string(done) + " of " +
-                std::to_string(total) + "): " + e.Description(),
-            "ImportTmpImages");
+            "The icon collection could not be unpacked (" + which + "): " + e.Description(), kImportSource);
     }
-    app.Cnn.BeginTrans();
-    try {
+    InOneTransaction(app.Cnn, "The icon collection could not be stored (" + which + ")", [&] {
       std::set<std::int64_t> present;
       const int idField = batch.FieldIndex("ID");
       if (idField >= 0 && batch.RecordCount() > 0) {
@@ -39,7 +77,7 @@ int ImportTmpImages(AppContext& app, const std::function<void(int, int)>& progre
       }
       DbRecordset images = app.Cnn.Query("Select * From Images Where 1=0");
       if (batch.FieldCount() > images.FieldCount()) {
-        Raise(ErrNo::InvalidData, "A staged batch has more columns than the Images table", "ImportTmpImages");
+        Raise(ErrNo::InvalidData, "A staged batch has more columns than the Images table", kImportSource);
       }
       for (batch.MoveFirst(); !batch.Eof(); batch.MoveNext()) {
         if (idField >= 0 && present.count(batch.FieldValue(idField).AsLong())) continue;
@@ -49,18 +87,16 @@ int ImportTmpImages(AppContext& app, const std::function<void(int, int)>& progre
         ++copied;
         app.DoEvents();
       }
-    } catch (...) {
-      app.Cnn.RollbackTrans();
-      throw;
-    }
-    app.Cnn.CommitTrans();
+    });
     app.DoEvents();
     if (progress) progress(done, total);
   }
   // Only now, when every batch is in, does the staging table go.
-  app.Cnn.BeginTrans();
-  app.Cnn.Execute("Delete From TmpImageBlobs");
-  app.Cnn.CommitTrans();
+  InOneTransaction(app.Cnn, "The unpacked icon collection could not be cleared away", [&] {
+    if (!app.Cnn.Execute("Delete From TmpImageBlobs")) {
+      Raise(app.Cnn.ErrorNumber(), app.Cnn.ErrorText(), kImportSource);
+    }
+  });
   return copied;
 }
 
@@ -105,11 +141,19 @@ bool UpdateDB(AppContext& app) {
   }
   if (!changed) return false;
 
-  cnn.Execute(std::string("CREATE TABLE IF NOT EXISTS ") + kVersionTable + " (Version TEXT)");
-  DbRecordset version = cnn.Query(std::string("Select * From ") + kVersionTable);
-  if (version.Eof()) version.AddNew();
-  version.Fields("Version") = ProgramVersion();
-  version.Update();
+  // The columns are in; a version that cannot be written only means that
+  // the next start probes again, so the start goes on after saying so.
+  try {
+    if (!cnn.Execute(std::string("CREATE TABLE IF NOT EXISTS ") + kVersionTable + " (Version TEXT)")) {
+      Raise(cnn.ErrorNumber(), cnn.ErrorText(), "UpdateDB");
+    }
+    DbRecordset version = cnn.Query(std::string("Select * From ") + kVersionTable);
+    if (version.Eof()) version.AddNew();
+    version.Fields("Version") = ProgramVersion();
+    version.Update();
+  } catch (const AppError& e) {
+    app.ShowMessage("Error UpdateDB: " + std::to_string(e.Number()) + " " + e.Description());
+  }
   return true;
 }
 

@@ -17,7 +17,9 @@ void OpenDatabases(AppContext& app);
 // pumping events after every row, and empties the staging table at the end.
 // A row whose ID is already in Images was copied by an earlier start that
 // did not finish; it is passed over, so every icon arrives exactly once.
-// A damaged batch raises AppError and leaves the staging table as it was.
+// A damaged batch, or a transaction that cannot begin, store or commit,
+// raises AppError after undoing that transaction; the staging table stays
+// until every batch is in.
 // `progress` hears (batches done, batches in all) after each batch.
 // Returns the number of rows copied.
 int ImportTmpImages(AppContext& app, const std::function<void(int done, int total)>& progress = {});
@@ -26,8 +28,8 @@ int ImportTmpImages(AppContext& app, const std::function<void(int done, int tota
 void InitDummyID(AppContext& app);
 
 // Adds the columns that libraries older than 1.1.19 lack. Returns true when
-// the schema changed (and the version was written). Failures are shown
-// through app.ShowMessage and leave the version unwritten.
+// the schema changed. Failures are shown through app.ShowMessage and leave
+// the version unwritten; none of them stops the start.
 bool UpdateDB(AppContext& app);
 
 // Writes Database/Quillaron_yyyymmddhhnn.db; returns its path, or "" when

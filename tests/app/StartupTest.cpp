@@ -4,13 +4,13 @@
 #include <set>
 
 #include "app/AppContext.h"
-#include "platform/ThemePalette.h"
 #include "app/cConfig.h"
 #include "app/modStartup.h"
 #include "app/modTexts.h"
 #include "platform/DrawingContext.h"
 #include "platform/Error.h"
 #include "platform/Files.h"
+#include "platform/ThemePalette.h"
 #include "store/LibrarySchema.h"
 #include "store/modLibrary.h"
 #include "tests/support/AppFolder.h"
@@ -189,11 +189,26 @@ TEST(Startup, OldSchemasAreUpgradedOnceByAnOrdinalVersionCompare) {
     EXPECT_FALSE(UpdateDB(*s.app)) << v;
   }
 
+  ASSERT_TRUE(cnn.Execute(
+      "Insert Into ColorFilter (Name, ColorFilter, OldColors, R) Values ('Warm', 3, '255;65280', 40)"));
+  ASSERT_TRUE(cnn.Execute(
+      "Insert Into ColorFilter (Name, ColorFilter, OldColors, R) Values ('Cold', 3, '16711680', -40)"));
   setVersion("1.1.10");
   EXPECT_TRUE(UpdateDB(*s.app)) << (s.messages.empty() ? std::string() : s.messages.back());
   EXPECT_EQ(version(), ProgramVersion());
   EXPECT_TRUE(s.messages.empty());
-  EXPECT_EQ(s.Count("Select Count(Layers) + Count(Opacity) + Count(UseGlobalOpacity) From ColorFilter"), 0);
+  // The user's filters keep what they had and take the new columns' defaults.
+  DbRecordset filters = cnn.Query("Select * From ColorFilter Order By Name");
+  ASSERT_EQ(filters.RecordCount(), 2);
+  for (const char* name : {"Cold", "Warm"}) {
+    EXPECT_EQ(filters.Fields("Name").AsString(), name);
+    EXPECT_EQ(filters.Fields("OldColors").AsString(), std::string(name) == "Warm" ? "255;65280" : "16711680");
+    EXPECT_EQ(filters.Fields("R").AsLong(), std::string(name) == "Warm" ? 40 : -40);
+    EXPECT_EQ(filters.Fields("Opacity").AsLong(), 100) << name;
+    EXPECT_EQ(filters.Fields("UseGlobalOpacity").AsLong(), 0) << name;
+    EXPECT_EQ(filters.Fields("Layers").AsLong(), 0) << name;
+    filters.MoveNext();
+  }
   ASSERT_TRUE(cnn.Execute("Insert Into Layer (Name) Values ('x')"));
   EXPECT_EQ(s.Count("Select Opacity From Layer"), 100);  // the new column's default
   EXPECT_FALSE(UpdateDB(*s.app));                        // once only
@@ -204,6 +219,68 @@ TEST(Startup, OldSchemasAreUpgradedOnceByAnOrdinalVersionCompare) {
   EXPECT_NE(FileNameOf(backup).find("Quillaron_20"), std::string::npos);
   EXPECT_EQ(DbConnection::Open(backup).Query("Select Count(*) From Images").Fields(0).AsLong(),
             s.Count("Select Count(*) From Images"));
+}
+
+TEST(Startup, AnImportTransactionThatFailsIsUndoneAndSaysWhy) {
+  Started s;
+  const std::size_t staged = StagedIds(s.folder.Library()).size();
+  OpenDatabases(*s.app);
+  DbConnection& cnn = s.app->Cnn;
+  const long long batches = s.Count("Select Count(*) From TmpImageBlobs");
+  const long long before = s.Count("Select Count(*) From Images");
+  const auto raisesWith = [&](const std::string& words) {
+    try {
+      ImportTmpImages(*s.app);
+      ADD_FAILURE() << "no error for: " << words;
+    } catch (const AppError& e) {
+      EXPECT_NE(e.Description().find(words), std::string::npos) << e.Description();
+    }
+    EXPECT_EQ(s.Count("Select Count(*) From TmpImageBlobs"), batches) << words;
+  };
+
+  // A transaction that cannot begin (here: one is open already) stores nothing.
+  ASSERT_TRUE(cnn.BeginTrans());
+  raisesWith("could not be stored (batch 1 of");
+  EXPECT_EQ(s.Count("Select Count(*) From Images"), before);
+  ASSERT_TRUE(cnn.RollbackTrans());
+
+  // A commit that cannot finish (another program is reading) is undone.
+  DbConnection reader = DbConnection::Open(s.folder.Library());
+  ASSERT_TRUE(reader.BeginTrans());
+  ASSERT_EQ(reader.Query("Select Count(*) From Images").Fields(0).AsLong(), before);
+  raisesWith("database is locked");
+  ASSERT_TRUE(reader.CommitTrans());
+  EXPECT_EQ(s.Count("Select Count(*) From Images"), before);
+
+  // A staging table that cannot be emptied stays, and every icon is in.
+  ASSERT_TRUE(cnn.Execute(
+      "Create Trigger KeepStaging Before Delete On TmpImageBlobs Begin Select Raise(Abort, 'kept'); End"));
+  raisesWith("could not be cleared away: 1811 kept");
+  EXPECT_EQ(s.Count("Select Count(*) From Images"), static_cast<long long>(staged));
+  // Once the cause is gone the next start finishes without doubling anything.
+  ASSERT_TRUE(cnn.Execute("Drop Trigger KeepStaging"));
+  EXPECT_EQ(ImportTmpImages(*s.app), 0);
+  EXPECT_EQ(s.Count("Select Count(*) From TmpImageBlobs"), 0);
+  EXPECT_EQ(s.Count("Select Count(*) From Images"), static_cast<long long>(staged));
+}
+
+TEST(Startup, AVersionThatCannotBeWrittenIsReportedAndTheStartGoesOn) {
+  Started s;
+  ASSERT_TRUE(InitGlobals(*s.app));
+  DbConnection& cnn = s.app->Cnn;
+  ASSERT_TRUE(cnn.Execute("ALTER TABLE ColorFilter DROP COLUMN Layers"));
+  ASSERT_TRUE(cnn.Execute("Update DBVersion Set Version='1.1.10'"));
+  ASSERT_TRUE(
+      cnn.Execute("Create Trigger FixedVersion Before Update On DBVersion Begin Select Raise(Abort, 'version "
+                  "fixed'); End"));
+  Started again;
+  std::filesystem::copy_file(s.folder.Library(), again.folder.Library(),
+                             std::filesystem::copy_options::overwrite_existing);
+  ASSERT_TRUE(StartWithoutWindow(*again.app));
+  ASSERT_EQ(again.messages.size(), 1u);
+  EXPECT_EQ(again.messages[0], "Error UpdateDB: 1811 version fixed");
+  EXPECT_TRUE(again.app->Cnn.Execute("Select Layers From ColorFilter Where 1=0"));  // the column is in
+  EXPECT_EQ(again.app->Cnn.Query("Select Version From DBVersion").Fields(0).AsString(), "1.1.10");
 }
 
 TEST(Startup, EveryLibraryIconIsNormalisedAndDraws) {

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <filesystem>
+#include <regex>
 #include <sstream>
 
 #include "cli/CommandLine.h"
@@ -9,6 +11,7 @@
 #include "platform/Files.h"
 #include "platform/XmlDocument.h"
 #include "store/modTemplates.h"
+#include "tests/export/LargeAllocationFailure.h"
 #include "tests/support/LibraryLayers.h"
 #include "tests/support/Pixels.h"
 #include "tests/support/StartedApp.h"
@@ -18,7 +21,7 @@ using namespace qds;
 namespace {
 
 struct Recorder : ExportObserver {
-  std::vector<std::string> written, messages;
+  std::vector<std::string> written, messages, details;
   std::vector<std::string> captions;
   int answer = Answer::No;
   int asked = 0;
@@ -27,7 +30,10 @@ struct Recorder : ExportObserver {
     ++asked;
     return answer;
   }
-  void Message(const std::string& key, const std::string&) override { messages.push_back(key); }
+  void Message(const std::string& key, const std::string& detail) override {
+    messages.push_back(key);
+    details.push_back(detail);
+  }
   void ImageDone(const std::string& path, bool ok) override {
     if (ok) written.push_back(FileNameOf(path));
   }
@@ -76,6 +82,30 @@ GdkPixbuf* Open(const std::string& path) {
   GdkPixbuf* pb = gdk_pixbuf_new_from_file(path.c_str(), &error);
   if (error) g_error_free(error);
   return pb;
+}
+
+// The mean difference of the red, green and blue bytes of two pictures of one size.
+double MeanError(GdkPixbuf* a, GdkPixbuf* b) {
+  const int w = gdk_pixbuf_get_width(a), h = gdk_pixbuf_get_height(a);
+  EXPECT_EQ(w, gdk_pixbuf_get_width(b));
+  EXPECT_EQ(h, gdk_pixbuf_get_height(b));
+  double sum = 0;
+  for (int y = 0; y < h; ++y) {
+    for (int x = 0; x < w; ++x) {
+      const guchar* p =
+          gdk_pixbuf_get_pixels(a) + y * gdk_pixbuf_get_rowstride(a) + x * gdk_pixbuf_get_n_channels(a);
+      const guchar* q =
+          gdk_pixbuf_get_pixels(b) + y * gdk_pixbuf_get_rowstride(b) + x * gdk_pixbuf_get_n_channels(b);
+      for (int c = 0; c < 3; ++c) sum += std::abs(p[c] - q[c]);
+    }
+  }
+  return sum / (3.0 * w * h);
+}
+
+int FilesIn(const std::string& folder) {
+  int n = 0;
+  for ([[maybe_unused]] const auto& e : std::filesystem::directory_iterator(folder)) ++n;
+  return n;
 }
 
 }  // namespace
@@ -151,15 +181,19 @@ TEST_F(Export, CroppingTrimmingBackgroundsAndSvgText) {
   // 32 by 64: drawn at 64, the middle 32 columns kept.
   ExportOptions tall = Options("BMP", 32, 64);
   tall.SizeExt = false;
-  tall.BackgroundColor = 0x00FF00;
+  tall.BackgroundColor = 0x3080C0;  // BBGGRR: three different channels
   Recorder r;
   ASSERT_EQ(RunExport(*s.app, tall, r).Written, 3);
   GdkPixbuf* pb = Open(out / "heart-3.bmp");
   ASSERT_TRUE(pb);
   EXPECT_EQ(gdk_pixbuf_get_width(pb), 32);
   EXPECT_EQ(gdk_pixbuf_get_height(pb), 64);
-  const guchar* px = gdk_pixbuf_get_pixels(pb);
-  EXPECT_EQ(px[1], 255);  // the green background in the corner
+  // The background in two opposite corners, red first as the reader gives it.
+  for (const auto& [x, y] : {std::pair{0, 0}, std::pair{31, 63}}) {
+    const guchar* px =
+        gdk_pixbuf_get_pixels(pb) + y * gdk_pixbuf_get_rowstride(pb) + x * gdk_pixbuf_get_n_channels(pb);
+    EXPECT_EQ((std::vector<int>{px[0], px[1], px[2]}), (std::vector<int>{0xC0, 0x80, 0x30})) << x << "," << y;
+  }
   g_object_unref(pb);
 
   // Trimmed to the ink: a JPG is filled only after the trim.
@@ -182,7 +216,11 @@ TEST_F(Export, CroppingTrimmingBackgroundsAndSvgText) {
   EXPECT_NE(text.find("width=\"64\""), std::string::npos) << text.substr(0, 300);
   EXPECT_NE(text.find("height=\"64\""), std::string::npos);
   EXPECT_NE(text.find("viewBox=\"0 0 64 64\""), std::string::npos);
-  EXPECT_NE(text.find("opacity=\"0.5\""), std::string::npos);
+  // The opacity ends the opening tag of the first surface group.
+  const std::size_t group = text.find("<g id=\"surface");
+  ASSERT_NE(group, std::string::npos);
+  const std::string groupTag = text.substr(group, text.find('>', group) - group);
+  EXPECT_TRUE(groupTag.ends_with(" opacity=\"0.5\"")) << groupTag;
   EXPECT_NE(text.find("fill:rgb(255,0,0)"), std::string::npos);
   XmlDocument doc;
   EXPECT_TRUE(doc.Load(text));
@@ -257,6 +295,29 @@ TEST_F(Export, TheCommandLineExportsADesignFileInEveryFormat) {
   EXPECT_NE(text.find("0 files written, 1 skipped"), std::string::npos);
   EXPECT_EQ(run({"--search", "heart-3", "--style", "Slimline", "--no-size-ext", "--prefix", "p"}, &text), 0);
   EXPECT_TRUE(FileExists(out / "files/p_heart-3.png"));
+  // A design whose base layer has no icon left writes nothing and says so;
+  // a design without a base layer is drawn once.
+  const auto entry = [](const std::string& key, const std::string& ids) {
+    return "{" + key + R"(,"ImageIDs":")" + ids + R"(","Settings":"{}","ColorFilter":-1})";
+  };
+  const std::string base = R"("Key":"_BaseIco","IsBaseEntry":true)", plain = R"("Key":"Icon")";
+  const auto design = [&](const std::string& entries) {
+    WriteUtf8Text(out / "d.json", R"({"Description":"","Entries":[)" + entries + "]}");
+  };
+  design(entry(base, "") + "," + entry(plain, lock));
+  CreateDirectories(out / "none");
+  std::ostringstream o, e;
+  EXPECT_EQ(RunCommand(ParseCommandLine({"--app-dir", s.folder.Folder(), "export", "--design-file",
+                                         out / "d.json", "--out", out / "none"}),
+                       o, e),
+            1);
+  EXPECT_NE(e.str().find("There is nothing to export"), std::string::npos) << e.str();
+  EXPECT_EQ(FilesIn(out / "none"), 0);
+  design(entry(plain, lock));
+  ASSERT_EQ(run({"--name", "plain", "--no-size-ext"}, &text), 0) << text;
+  EXPECT_TRUE(FileExists(out / "files/plain.png"));
+  design(entry(base, lock));
+
   for (const std::vector<std::string>& bad : {std::vector<std::string>{"--size", "0x16"},
                                               {"--format", "TIFF"},
                                               {"--format", "ICO", "--ico-sizes", "16,x"},
@@ -266,4 +327,93 @@ TEST_F(Export, TheCommandLineExportsADesignFileInEveryFormat) {
     EXPECT_EQ(run(bad, &text), 1) << bad[0];
     EXPECT_NE(text.find("quillaron export:"), std::string::npos) << text;
   }
+}
+
+TEST_F(Export, NoBaseIconsMeansNothingIsWrittenAndTheRunSaysSo) {
+  Design(false);
+  s.app->BaseIcons.Clear();  // every icon of the design has gone from the library
+  Recorder r;
+  const ExportResult result = RunExport(*s.app, Options("PNG", 32, 32), r);
+  EXPECT_EQ(result.Error, "NothingToExport");
+  EXPECT_EQ(r.messages, std::vector<std::string>{"NothingToExport"});
+  EXPECT_EQ(result.Images, 0);
+  EXPECT_EQ(FilesIn(out.Path()), 0);
+}
+
+TEST_F(Export, AWriteThatRunsOutOfMemoryEndsInSaveErrorAndLeavesNoFile) {
+  if (!LargeAllocationFailure::Available()) GTEST_SKIP() << "the sanitizer runtime owns operator new";
+  Design(false);
+  ExportOptions o = Options("ICO", 64, 64);
+  o.IcoSizes = "1024,16";  // a bitmap of 4 MB, where drawing the design takes far less
+  Recorder r;
+  ExportResult result;
+  {
+    const LargeAllocationFailure noMemory(3'000'000);
+    result = RunExport(*s.app, o, r);
+  }
+  EXPECT_EQ(result.Error, "SaveError");
+  EXPECT_FALSE(result.Completed);
+  EXPECT_EQ(result.Written, 0);
+  EXPECT_EQ(r.messages, std::vector<std::string>{"SaveError"});
+  EXPECT_EQ(r.details, std::vector<std::string>{"Out of memory"});
+  EXPECT_EQ(FilesIn(out.Path()), 0);
+}
+
+TEST_F(Export, JpegQualityChangesTheFileAndLowerQualityStraysFurther) {
+  Design(false);
+  ExportOptions o = Options("BMP", 96, 96);
+  o.SizeExt = false;
+  o.BackgroundColor = 0x40A0E0;
+  Recorder r;
+  ASSERT_EQ(RunExport(*s.app, o, r).Written, 3);
+  GdkPixbuf* picture = Open(out / "heart-3.bmp");
+  ASSERT_TRUE(picture);
+  o.Format = "JPG";
+  std::vector<Bytes> files;
+  std::vector<double> errors;
+  for (int quality : {95, 60, 20}) {
+    o.JPGQuality = quality;
+    o.Prefix = "q" + std::to_string(quality);
+    ASSERT_EQ(RunExport(*s.app, o, r).Written, 3);
+    const std::string path = out / (o.Prefix + "_heart-3.jpg");
+    files.push_back(ReadAllBytes(path));
+    GdkPixbuf* jpeg = Open(path);
+    ASSERT_TRUE(jpeg);
+    errors.push_back(MeanError(picture, jpeg));
+    g_object_unref(jpeg);
+  }
+  g_object_unref(picture);
+  EXPECT_TRUE(files[0] != files[1]) << "quality 95 and 60 wrote the same file";
+  EXPECT_TRUE(files[1] != files[2]) << "quality 60 and 20 wrote the same file";
+  EXPECT_LT(errors[0], errors[1]) << "quality 95 against 60";
+  EXPECT_LT(errors[1], errors[2]) << "quality 60 against 20";
+}
+
+TEST_F(Export, ATrimmedSvgOfAWideLowPictureKeepsItsOwnWidthAndHeight) {
+  // A bar 192 by 64 in the middle of a square icon: at 64 pixels it spans
+  // 48 by 16 from (8, 24).
+  auto bar = std::make_shared<cSVGItem>();
+  bar->Init(
+      Value(1),
+      ToBytes(R"(<svg xmlns="http://www.w3.org/2000/svg" width="256" height="256" viewBox="0 0 256 256">)"
+              R"(<rect x="32" y="96" width="192" height="64" fill="#ff0000"/></svg>)"),
+      "bar");
+  s.app->Layers.Add(bar, "bar");
+  ExportOptions o = Options("SVG", 64, 64);
+  o.AdjustSize = true;
+  o.ExportHasBaseIcons = false;
+  o.NamePart = ExportOptions::Part::Text;
+  o.NameText = "bar";
+  o.SizeExt = false;
+  Recorder r;
+  ASSERT_EQ(RunExport(*s.app, o, r).Written, 1);
+  const std::string text = ReadAllText(out / "bar.svg");
+  std::smatch w, h, box;
+  ASSERT_TRUE(std::regex_search(text, w, std::regex(R"re(<svg[^>]* width="([^"]*)")re")))
+      << text.substr(0, 300);
+  ASSERT_TRUE(std::regex_search(text, h, std::regex(R"re(<svg[^>]* height="([^"]*)")re")));
+  ASSERT_TRUE(std::regex_search(text, box, std::regex(R"re(<svg[^>]* viewBox="([^"]*)")re")));
+  EXPECT_EQ(w[1], "48");
+  EXPECT_EQ(h[1], "16");
+  EXPECT_EQ(box[1], "8 24 48 16");
 }

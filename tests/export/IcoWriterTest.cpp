@@ -1,5 +1,9 @@
 #include <gdk-pixbuf/gdk-pixbuf.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <system_error>
+#include <thread>
 
 #include "export/cIcoResWriter.h"
 #include "platform/DrawingContext.h"
@@ -141,6 +145,57 @@ TEST(IcoWriter, AStandardReaderOpensTheFile) {
   GError* error = nullptr;
   GdkPixbuf* pb = gdk_pixbuf_new_from_file((dir / "x.ico").c_str(), &error);
   ASSERT_TRUE(pb) << (error ? error->message : "");
-  EXPECT_GE(gdk_pixbuf_get_width(pb), 16);
+  // The reader picks an entry by its own rules; whichever, it is one of ours.
+  const int side = gdk_pixbuf_get_width(pb);
+  EXPECT_EQ(gdk_pixbuf_get_height(pb), side);
+  EXPECT_TRUE(side == 16 || side == 32 || side == 48 || side == 256) << side;
   g_object_unref(pb);
+  const Bytes ico = ReadAllBytes(dir / "x.ico");
+  const IcoReader r{ico};
+  ASSERT_EQ(r.Count(), 4u);
+  const unsigned sides[] = {16, 32, 48, 0};  // 256 is written as 0
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_EQ(r.At(i).w, sides[i]) << i;
+    EXPECT_EQ(r.At(i).h, sides[i]) << i;
+  }
+}
+
+TEST(IcoWriter, AnyNumberOfThreadsWritesTheSameBytesEvenWhenNoneCanStart) {
+  // Soft edges and half-transparent ink, so that every size has its own pixels.
+  SurfacePtr picture = DrawingSurface::Create(300, 300);
+  {
+    DrawingContext ctx(picture);
+    ctx.SetSourceColor(0x2080F0, 0.6);
+    ctx.Arc(150, 150, 120, 0, 6.2832);
+    ctx.Fill();
+    ctx.SetSourceColor(0x00FF00);
+    ctx.Rectangle(40.5, 200.25, 90, 33.3);
+    ctx.Fill();
+  }
+  const std::vector<std::string> sizes = SplitSizes("16,20,24,32,40,48,64,72,96,128,256");
+  const Bytes alone = cIcoResWriter::AlphaIcoBytes(picture, sizes, 1);
+  ASSERT_EQ(IcoReader{alone}.Count(), sizes.size());
+  EXPECT_EQ(cIcoResWriter::AlphaIcoBytes(picture, sizes, 4), alone);
+  EXPECT_EQ(cIcoResWriter::AlphaIcoBytes(picture, sizes, 64), alone);
+  EXPECT_EQ(cIcoResWriter::AlphaIcoBytes(picture, sizes), alone);
+
+  // No new thread gets a stack: the writer finishes on its own thread.
+  pthread_attr_t before, huge;
+  ASSERT_EQ(pthread_getattr_default_np(&before), 0);
+  ASSERT_EQ(pthread_getattr_default_np(&huge), 0);
+  ASSERT_EQ(pthread_attr_setstacksize(&huge, std::size_t{1} << 60), 0);
+  ASSERT_EQ(pthread_setattr_default_np(&huge), 0);
+  bool refused = false;
+  try {
+    std::thread([] {}).join();
+  } catch (const std::system_error&) {
+    refused = true;
+  }
+  Bytes starved;
+  if (refused) starved = cIcoResWriter::AlphaIcoBytes(picture, sizes, 4);
+  EXPECT_EQ(pthread_setattr_default_np(&before), 0);
+  pthread_attr_destroy(&huge);
+  pthread_attr_destroy(&before);
+  ASSERT_TRUE(refused) << "a thread started although it could have no stack";
+  EXPECT_EQ(starved, alone);
 }

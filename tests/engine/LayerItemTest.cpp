@@ -60,12 +60,24 @@ TEST(LayerItem, AnEmptyBagAnswersEveryDefaultAndSettingsKeepTheirOrder) {
     EXPECT_EQ(copy.Settings(), "{}") << bad;
   }
 
-  // A clone has the same text but a bag and a colour of its own.
-  item.setColorItem(cColorItem(0x00FF00));
-  SVGItemPtr clone = item.Clone();
-  EXPECT_EQ(clone->Settings(), item.Settings());
+  // A clone has the same text but a bag and a colour of its own: a plain
+  // colour filter keeps the colour, so there is one to copy.
+  const std::string red = R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 10 10">)"
+                          R"(<path style="fill:rgb(100%,0%,0%);" d="M0 0H5V5Z"/></svg>)";
+  cSVGItem coloured;
+  coloured.Init(Value("Pasted"), ToBytes(red), "x", nullptr, true, cSVGItem::FilterColor, 2, item.Settings());
+  coloured.setColorItem(cColorItem(0x00FF00));
+  SVGItemPtr clone = coloured.Clone();
+  EXPECT_EQ(clone->Settings(), coloured.Settings());
+  EXPECT_EQ(clone->ColorItem().Color(), 0x00FF00);
+  EXPECT_NE(ToString(clone->SvgBytes()).find("fill:rgb(0.00%,100.00%,0.00%)"), std::string::npos);
   clone->setAngle(90);
-  EXPECT_EQ(item.Angle(), 0);
+  EXPECT_EQ(coloured.Angle(), 0);
+  clone->setColorItem(cColorItem(0xFF0000));
+  EXPECT_EQ(clone->ColorItem().Color(), 0xFF0000);
+  EXPECT_NE(ToString(clone->SvgBytes()).find("fill:rgb(0.00%,0.00%,100.00%)"), std::string::npos);
+  EXPECT_EQ(coloured.ColorItem().Color(), 0x00FF00);
+  EXPECT_NE(ToString(coloured.SvgBytes()).find("fill:rgb(0.00%,100.00%,0.00%)"), std::string::npos);
 }
 
 TEST(LayerItem, GradientsColourListsAndSelectionFollowTheirRules) {

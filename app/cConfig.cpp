@@ -50,6 +50,12 @@ std::string cConfig::ImportIconsDBPath() const {
   return value;
 }
 
+int cConfig::HistoryMax() const {
+  // Every state holds a copy of the whole design: a negative depth means
+  // none, and no file may ask for more than the limit.
+  return static_cast<int>(std::clamp<std::int64_t>(bag_.GetLong("HistoryMax", 50), 0, HistoryMaxLimit));
+}
+
 double cConfig::UserZoom() const {
   return std::clamp(bag_.GetDouble("UserZoom", 1.25), 1.0, 4.0);
 }

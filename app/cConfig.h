@@ -40,7 +40,13 @@ class cConfig {
   }
 
   QDS_SETTING(int, Language_ID, GetLong, 0)
-  QDS_SETTING(int, HistoryMax, GetLong, 50)
+  // The undo depth as stored may come from an older or hand-edited file:
+  // it is read as 0 to HistoryMaxLimit states.
+  static constexpr int HistoryMaxLimit = 1000;
+  int HistoryMax() const;
+  void setHistoryMax(int v) {
+    bag_.Set("HistoryMax", v);
+  }
   QDS_SETTING(int, CanvasColor, GetLong, -1)
   QDS_SETTING(bool, ShowAppBG, GetBool, true)
   QDS_SETTING(bool, CreateFolderFormat, GetBool, false)

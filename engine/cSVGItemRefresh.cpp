@@ -153,7 +153,9 @@ void cSVGItem::RefreshText() {
   {
     DrawingContext ctx(surface);
     ctx.SelectFont(TextFontName(), TextFontSize(), 0, TextFontBold(), TextFontItalic(), TextFontUnderline());
-    // Large type gets a larger box, so that it is not wrapped to pieces.
+    // Large type gets a larger box about the same centre. The layout flag
+    // follows the underline, as stored designs expect; word wrap stays off,
+    // so a long text is one line with or without its underline.
     const bool large = TextFontSize() >= 101;
     ctx.DrawText(large ? -128 : 0, large ? -128 : 0, large ? 512 : 256, large ? 512 : 256, TextContent(),
                  !TextFontUnderline(), TextAlign::Center, TextAlign::Middle);

@@ -1,5 +1,7 @@
 #include "engine/cUndoRedo.h"
 
+#include <algorithm>
+
 namespace qds {
 
 void cUndoRedo::SaveState(HistoryPtr state) {
@@ -11,7 +13,8 @@ void cUndoRedo::SaveState(HistoryPtr state) {
 }
 
 void cUndoRedo::setMax(int max) {
-  max_ = max;
+  // A negative bound would leave nothing to drop from an empty stack.
+  max_ = std::max(max, 0);
   while (HistoryCount() > max_ + 1) states_.pop_back();
   if (current_ > max_) current_ = max_;
 }

@@ -395,7 +395,8 @@ void DrawingContext::TextPath(double x, double y, double w, double h, std::strin
   if (text.empty()) return;
   GObjectPtr<PangoLayout> layout(
       MakeLayout(cr_, fontName_, fontSize_, bold_, italic_, underline_, text, underlinedAt));
-  if (!singleLine && w > 0) {
+  const bool wrap = wordWrap_ && !singleLine && w > 0;
+  if (wrap) {
     pango_layout_set_width(layout.p, static_cast<int>(w * PANGO_SCALE));
     pango_layout_set_wrap(layout.p, PANGO_WRAP_WORD_CHAR);
   }
@@ -408,7 +409,7 @@ void DrawingContext::TextPath(double x, double y, double w, double h, std::strin
   const double th = static_cast<double>(logical.height) / PANGO_SCALE;
   // A wrapped layout is as wide as the box and aligns its own lines.
   double left = x - static_cast<double>(logical.x) / PANGO_SCALE;
-  if (singleLine || w <= 0) {
+  if (!wrap) {
     if (hAlign == TextAlign::Right) left += w - tw;
     if (hAlign == TextAlign::Center) left += (w - tw) / 2;
   }

@@ -106,9 +106,16 @@ class DrawingContext {
   // as outlines, so that an SVG surface receives plain path elements.
   void SelectFont(const std::string& name, double size, std::int64_t colour = 0, bool bold = false,
                   bool italic = false, bool underline = false);
+  // Whether text may wrap at the width of its box; off for a new context.
+  // Wrapping is asked for here, by the code that lays out a block of text,
+  // and not by the layout flag alone: a text layer hands that flag the
+  // negation of its underline, and an underline must not break a line.
+  void SetWordWrap(bool on) { wordWrap_ = on; }
+  bool WordWrap() const { return wordWrap_; }
   // Adds the text's outlines to the path and fills them with the font's
-  // colour. With singleLine false the text wraps at the box width. The
-  // character at byte `underlinedAt`, if any, is underlined (an access key).
+  // colour. The text wraps at the box width when word wrap is on and
+  // singleLine is false; otherwise it stays on its lines. The character at
+  // byte `underlinedAt`, if any, is underlined (an access key).
   void DrawText(double x, double y, double w, double h, std::string_view text, bool singleLine = true,
                 int hAlign = TextAlign::Left, int vAlign = TextAlign::Top, int underlinedAt = -1);
   // The same outlines added to the path only.
@@ -125,6 +132,7 @@ class DrawingContext {
   double fontSize_ = 10;
   std::int64_t fontColour_ = 0;
   bool bold_ = false, italic_ = false, underline_ = false;
+  bool wordWrap_ = false;
 };
 
 // Family names of the installed fonts, sorted without regard to case.

@@ -127,6 +127,7 @@ void cwLabel::W_Paint(DrawingContext& ctx, double w, double h) {
                  EnabledInTree() ? StockColor(Palette::Text) : StockColor(Palette::Disabled));
   int accessAt = -1;
   const std::string shown = ShownCaption(Caption, &accessAt);
+  ctx.SetWordWrap(WordWrap);
   ctx.DrawText(2, 0, w - 4, h, shown, !WordWrap, Alignment, WordWrap ? TextAlign::Top : TextAlign::Middle,
                accessAt);
 }

@@ -6,6 +6,7 @@
 #include "app/cConfig.h"
 #include "app/modStartup.h"
 #include "app/modTexts.h"
+#include "engine/cUndoRedo.h"
 #include "platform/Files.h"
 #include "store/modLibrary.h"
 #include "tests/support/AppFolder.h"
@@ -62,6 +63,32 @@ TEST(Settings, ReadDefaultsKeepUnknownKeysAndSaveOnlyWhenAsked) {
     EXPECT_EQ(reread.HistoryMax(), 50) << bad;
     EXPECT_EQ(reread.ImgFormat(), "PNG") << bad;
   }
+}
+
+TEST(Settings, TheUndoDepthIsReadWithinItsBounds) {
+  AppFolder folder;
+  ScopedAppContext app(folder.Folder());
+  OpenDatabases(*app);
+  ASSERT_TRUE(app->Cnn.Execute(R"(Update Config Set Settings='{"HistoryMax":-5}')"));
+  ASSERT_TRUE(StartWithoutWindow(*app));
+  EXPECT_EQ(app->Config->HistoryMax(), 0);
+  EXPECT_EQ(app->UndoRedo.Max(), 0);
+  // The stack works at that depth: one state, nothing to undo.
+  for (int i = 0; i < 3; ++i) app->UndoRedo.SaveState(std::make_shared<cHistory>());
+  EXPECT_EQ(app->UndoRedo.HistoryCount(), 1);
+  EXPECT_FALSE(app->UndoRedo.UndoEnabled());
+
+  cConfig& config = *app->Config;
+  config.setSettings(R"({"HistoryMax":99999999999})");
+  EXPECT_EQ(config.HistoryMax(), cConfig::HistoryMaxLimit);
+  config.setSettings(R"({"HistoryMax":1001})");
+  EXPECT_EQ(config.HistoryMax(), 1000);
+  config.setSettings(R"({"HistoryMax":1000})");
+  EXPECT_EQ(config.HistoryMax(), 1000);
+  // No undo at all is a choice, kept as it is.
+  config.setHistoryMax(0);
+  ASSERT_TRUE(config.Save());
+  EXPECT_EQ(cConfig(app->Cnn, app->AppPath).HistoryMax(), 0);
 }
 
 TEST(Settings, TextsCoverEveryKeyInAllThreeLanguages) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <set>
 
 #include "colour/modColorFunctions.h"
@@ -113,13 +114,23 @@ TEST(ColorFilter, FiltersRewriteAMulticolourIconAsAUserExpects) {
   icon->setFilter(cSVGItem::FilterColor);
   icon->setColorItem(cColorItem(0x00A5FF));
   for (const cColorItem& c : Colours(*icon)) EXPECT_NEAR(c.Color(), 0x00A5FF, 0x000101);
-  cColorItem red;
-  red.setr(255.0);
+  // A tint screens onto the gray of each colour, c + t * (1 - c / 255), in
+  // the channels it has; green has none and stays gray. The document keeps
+  // two decimals of percent, read back truncated: up to one step lower.
+  cColorItem tint;
+  tint.setr(100.0);
+  tint.setB(40.0);
   icon->setFilter(cSVGItem::FilterColorize);
-  icon->setColorItem(red);
-  for (const cColorItem& c : Colours(*icon)) {
-    EXPECT_GE(*c.r(), 254);
-    EXPECT_EQ(*c.G(), *c.B());
+  icon->setColorItem(tint);
+  after = Colours(*icon);
+  ASSERT_EQ(after.size(), before.size());
+  const auto stored = [](double got, double want) { return got <= want + 0.02 && got >= want - 1.02; };
+  for (std::size_t i = 0; i < after.size(); ++i) {
+    const double gray =
+        std::nearbyint(0.299 * *before[i].r() + 0.587 * *before[i].G() + 0.114 * *before[i].B());
+    EXPECT_PRED2(stored, *after[i].r(), gray + 100 * (1 - gray / 255)) << i;
+    EXPECT_PRED2(stored, *after[i].G(), gray) << i;
+    EXPECT_PRED2(stored, *after[i].B(), gray + 40 * (1 - gray / 255)) << i;
   }
 }
 

@@ -47,6 +47,15 @@ TEST(UndoRedo, KeepsMaxPlusOneStatesAndDropsRedoAfterANewState) {
   for (int i = 2; i <= 4; ++i) one.SaveState(State(i));
   one.setMax(0);
   EXPECT_EQ(one.HistoryCount(), 1);
+
+  // A negative bound is no bound below none: the stack keeps one state.
+  cUndoRedo none;
+  none.setMax(-3);
+  EXPECT_EQ(none.Max(), 0);
+  for (int i = 1; i <= 3; ++i) none.SaveState(State(i));
+  EXPECT_EQ(none.HistoryCount(), 1);
+  EXPECT_EQ(none.Current(), 1);
+  EXPECT_EQ(none.PreviousState(), nullptr);
 }
 
 TEST(UndoRedo, UndoAndRedoRestoreTheDesignAndDropEffectsWithoutSymbol) {

@@ -3,9 +3,34 @@
 #include "app/AppContext.h"
 #include "engine/cLayersEntries.h"
 #include "engine/cSVGItem.h"
+#include "engine/modParser.h"
 #include "tests/support/StartedApp.h"
 
 using namespace qds;
+
+namespace {
+
+struct Ink {
+  double left = 1e9, top = 1e9, right = -1e9, bottom = -1e9;
+  double Width() const { return right - left; }
+  double Height() const { return bottom - top; }
+};
+
+// The extent of the outlines in a layer's document, wherever they reach.
+Ink InkOf(const cSVGItem& item) {
+  Ink ink;
+  for (const auto& e : GetCairoPathsFromSVG(ToString(item.SvgBytes()))) {
+    e.Item->ForEach([&](PathOp, const double* xy, int points) {
+      for (int i = 0; i < points; ++i) {
+        ink.left = std::min(ink.left, xy[2 * i]), ink.right = std::max(ink.right, xy[2 * i]);
+        ink.top = std::min(ink.top, xy[2 * i + 1]), ink.bottom = std::max(ink.bottom, xy[2 * i + 1]);
+      }
+    });
+  }
+  return ink;
+}
+
+}  // namespace
 
 TEST(LayerItem, AnEmptyBagAnswersEveryDefaultAndSettingsKeepTheirOrder) {
   StartedApp s;
@@ -60,12 +85,24 @@ TEST(LayerItem, AnEmptyBagAnswersEveryDefaultAndSettingsKeepTheirOrder) {
     EXPECT_EQ(copy.Settings(), "{}") << bad;
   }
 
-  // A clone has the same text but a bag and a colour of its own.
-  item.setColorItem(cColorItem(0x00FF00));
-  SVGItemPtr clone = item.Clone();
-  EXPECT_EQ(clone->Settings(), item.Settings());
+  // A clone has the same text but a bag and a colour of its own: a plain
+  // colour filter keeps the colour, so there is one to copy.
+  const std::string red = R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 10 10">)"
+                          R"(<path style="fill:rgb(100%,0%,0%);" d="M0 0H5V5Z"/></svg>)";
+  cSVGItem coloured;
+  coloured.Init(Value("Pasted"), ToBytes(red), "x", nullptr, true, cSVGItem::FilterColor, 2, item.Settings());
+  coloured.setColorItem(cColorItem(0x00FF00));
+  SVGItemPtr clone = coloured.Clone();
+  EXPECT_EQ(clone->Settings(), coloured.Settings());
+  EXPECT_EQ(clone->ColorItem().Color(), 0x00FF00);
+  EXPECT_NE(ToString(clone->SvgBytes()).find("fill:rgb(0.00%,100.00%,0.00%)"), std::string::npos);
   clone->setAngle(90);
-  EXPECT_EQ(item.Angle(), 0);
+  EXPECT_EQ(coloured.Angle(), 0);
+  clone->setColorItem(cColorItem(0xFF0000));
+  EXPECT_EQ(clone->ColorItem().Color(), 0xFF0000);
+  EXPECT_NE(ToString(clone->SvgBytes()).find("fill:rgb(0.00%,0.00%,100.00%)"), std::string::npos);
+  EXPECT_EQ(coloured.ColorItem().Color(), 0x00FF00);
+  EXPECT_NE(ToString(coloured.SvgBytes()).find("fill:rgb(0.00%,100.00%,0.00%)"), std::string::npos);
 }
 
 TEST(LayerItem, GradientsColourListsAndSelectionFollowTheirRules) {
@@ -140,4 +177,28 @@ TEST(LayerItem, GradientsColourListsAndSelectionFollowTheirRules) {
   EXPECT_TRUE(back.G().IsEmpty());
   EXPECT_EQ(back.Settings(), R"({"Pos":5})");
   EXPECT_FALSE(back.setContent("[]"));
+}
+
+TEST(LayerItem, AnUnderlineNeitherWrapsNorMovesALongText) {
+  StartedApp s;
+  cSVGItem text;
+  text.Init(Value("Text"), {}, "Text", nullptr, true, cSVGItem::FilterOriginal, 2, "");
+  text.setTextContent("Quillaron Design Studio");
+  text.SettingsRefresh();
+  const Ink plain = InkOf(text);
+  // One line (of 92 at this size), wider than the 256 box it is centred in.
+  ASSERT_GT(plain.Width(), 300);
+  ASSERT_LT(plain.Height(), 120);
+  EXPECT_NEAR((plain.left + plain.right) / 2, 128, 4);
+
+  text.setTextFontUnderline(true);
+  text.SettingsRefresh();
+  const Ink underlined = InkOf(text);
+  // The same line; only the underline reaches a little further down and,
+  // drawn under the whole advance, a little further to the sides.
+  EXPECT_NEAR(underlined.top, plain.top, 0.5);
+  EXPECT_GE(underlined.bottom, plain.bottom);
+  EXPECT_LT(underlined.bottom, plain.bottom + 12);
+  EXPECT_NEAR(underlined.left, plain.left, 6);
+  EXPECT_NEAR(underlined.right, plain.right, 6);
 }

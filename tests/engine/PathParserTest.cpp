@@ -40,6 +40,28 @@ std::string Outline(std::string_view d) {
   return out;
 }
 
+struct Box {
+  double left, top, right, bottom;
+};
+
+// The bounds of the path the data draws, with curves flattened.
+Box Bounds(std::string_view d) {
+  std::vector<float> n;
+  std::vector<std::uint8_t> c;
+  ParsePoints(d, n, c);
+  SurfacePtr s = DrawingSurface::Create(1, 1);
+  DrawingContext ctx(s);
+  RenderPath(ctx, n, c);
+  Box b{1e9, 1e9, -1e9, -1e9};
+  ctx.CopyPath(true, 0.01)->ForEach([&](PathOp, const double* xy, int points) {
+    for (int i = 0; i < points; ++i) {
+      b.left = std::min(b.left, xy[2 * i]), b.right = std::max(b.right, xy[2 * i]);
+      b.top = std::min(b.top, xy[2 * i + 1]), b.bottom = std::max(b.bottom, xy[2 * i + 1]);
+    }
+  });
+  return b;
+}
+
 // A mask of the picture: which pixels are more than half covered.
 std::vector<bool> Mask(const SurfacePtr& s) {
   const PixelView v = s->Pixels();
@@ -103,6 +125,33 @@ TEST(PathParser, ReadsNumbersAndCommandsByTheProgramsGrammar) {
   // A "d" with no numbers gives an empty path; "T" is not read.
   EXPECT_EQ(Outline("M"), "");
   EXPECT_EQ(Outline("M0 0T5 5"), "M0 0 L5 5 ");
+}
+
+TEST(PathParser, ArcFlagsPickWhichOfTheFourArcsIsDrawn) {
+  // A chord of 10 on a circle of radius 10: the centres lie 8.66 above and
+  // below it, so the large arcs reach 18.66 out and the small ones 1.34.
+  // Large and counter-clockwise: down around the centre below the chord.
+  Box b = Bounds("M0 0A10 10 0 1 0 10 0");
+  EXPECT_NEAR(b.left, -5, 0.05);
+  EXPECT_NEAR(b.right, 15, 0.05);
+  EXPECT_NEAR(b.top, 0, 0.05);
+  EXPECT_NEAR(b.bottom, 18.66, 0.05);
+  // Small and clockwise: a flat cap above the chord.
+  b = Bounds("M0 0A10 10 0 0 1 10 0");
+  EXPECT_NEAR(b.left, 0, 0.05);
+  EXPECT_NEAR(b.right, 10, 0.05);
+  EXPECT_NEAR(b.top, -1.34, 0.05);
+  EXPECT_NEAR(b.bottom, 0, 0.05);
+  // The same arcs relative to a point further on.
+  b = Bounds("M20 30a10 10 0 1 0 10 0");
+  EXPECT_NEAR(b.left, 15, 0.05);
+  EXPECT_NEAR(b.right, 35, 0.05);
+  EXPECT_NEAR(b.bottom, 48.66, 0.05);
+  b = Bounds("M20 30a10 10 0 0 1 10 0");
+  EXPECT_NEAR(b.left, 20, 0.05);
+  EXPECT_NEAR(b.right, 30, 0.05);
+  EXPECT_NEAR(b.top, 28.66, 0.05);
+  EXPECT_NEAR(b.bottom, 30, 0.05);
 }
 
 TEST(PathParser, LibraryOutlinesMatchWhatTheRendererDraws) {

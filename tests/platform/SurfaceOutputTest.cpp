@@ -171,6 +171,7 @@ TEST(SurfaceOutput, TextIsLaidOutInItsBoxAndFollowsTheFontStyle) {
   ctx.SelectFont("DejaVu Sans", 20, 0xFF0000, true);
   ctx.DrawText(0, 192, 256, 64, "Right, bottom", true, TextAlign::Right, TextAlign::Bottom);
   ctx.SelectFont("Liberation Sans", 14, 0x000000);
+  ctx.SetWordWrap(true);
   ctx.DrawText(140, 0, 116, 64, "wrapped text in a narrow box", false, TextAlign::Left, TextAlign::Top);
   EXPECT_FALSE(ctx.CurrentPoint().has_value());  // the outlines were filled and used up
   EXPECT_TRUE(MatchesGolden(s, "text"));

@@ -19,6 +19,7 @@ struct Probe : Widget {
   bool takes;
   std::vector<std::string> log;
   int paints = 0;
+  std::shared_ptr<int> life = std::make_shared<int>(0);  // goes with the widget
   Probe(std::int64_t c, bool takesMouse = true) : Widget("Probe"), colour(c), takes(takesMouse) {}
   void W_Paint(DrawingContext& ctx, double w, double h) override {
     ++paints;
@@ -189,27 +190,33 @@ TEST_F(Ui, KeysReachTheFormFirstThenTheFocusAndEventsBubble) {
   // The platform's own events bubble by name with their arguments, each
   // ancestor hearing them before the form; a key the form swallowed does not.
   child->RaiseBubblingEvent("Click", {Value(3)});
-  EXPECT_EQ(form.bubbled, (std::vector<std::string>{"child:W_GotFocus", "child:W_KeyDown:37", "child:W_KeyPress:113",
-                                                    "child:Click:3"}));
+  EXPECT_EQ(form.bubbled, (std::vector<std::string>{"child:W_GotFocus", "child:W_KeyDown:37",
+                                                    "child:W_KeyPress:113", "child:Click:3"}));
   EXPECT_EQ(panel->heard, (std::vector<std::string>{"child:W_GotFocus", "child:W_KeyDown", "child:W_KeyPress",
                                                     "child:Click"}));
   // Down and up on one widget is a click; released elsewhere, it is not.
   panel->heard.clear();
   Click(45, 35);
-  EXPECT_EQ(panel->heard, (std::vector<std::string>{"child:W_MouseDown", "child:W_MouseUp", "child:W_Click"}));
+  EXPECT_EQ(panel->heard,
+            (std::vector<std::string>{"child:W_MouseDown", "child:W_MouseUp", "child:W_Click"}));
   panel->heard.clear();
   backend->Push({UiEvent::Type::MouseDown, &form, Button::Left, 0, 0, 45, 35});
   backend->Push({UiEvent::Type::MouseUp, &form, Button::Left, 0, 0, 5, 5});
   root.DoEvents();
   EXPECT_EQ(panel->heard, (std::vector<std::string>{"child:W_MouseDown"}));
 
-  // Removing the focused widget forgets it; it is deleted after the turn.
-  std::weak_ptr<int> alive;
+  // Removing the focused widget forgets it; it lives on through the turn,
+  // while events for it may still come, and is deleted at its end.
+  const std::weak_ptr<int> alive = child->life;
+  bool aliveInTurn = false;
   panel->Children().Remove("child");
   EXPECT_EQ(form.FocusWidget(), nullptr);
+  EXPECT_FALSE(panel->Children().Exists("child"));
+  root.DeferredInvoke([&] { aliveInTurn = !alive.expired(); });
   backend->Push({UiEvent::Type::KeyPress, &form, 0, 0, 'x', 0, 0});
   root.DoEvents();
-  EXPECT_FALSE(panel->Children().Exists("child"));
+  EXPECT_TRUE(aliveInTurn);
+  EXPECT_TRUE(alive.expired());
 }
 
 TEST_F(Ui, TimersAndDeferredWorkRunOnTheLoop) {
@@ -279,7 +286,7 @@ TEST_F(Ui, AModalFormBlocksItsOwnerUntilClosed) {
   root.RunModal(dialog);
   EXPECT_FALSE(dialog.Showing());
   EXPECT_EQ(dialog.unloaded, 1);
-  EXPECT_TRUE(child->log.empty());  // the owner took nothing while the dialog was up
+  EXPECT_TRUE(child->log.empty());           // the owner took nothing while the dialog was up
   EXPECT_EQ(backend->FrontForm(), &dialog);  // but the click brought the dialog forward
   EXPECT_EQ(step, 3);
   backend->OnIdle = nullptr;

@@ -1,6 +1,8 @@
 #include "engine/modColorRewrite.h"
 
 #include <cstdio>
+#include <string_view>
+#include <unordered_map>
 
 #include "colour/modColorFunctions.h"
 #include "engine/cSVGItem.h"
@@ -137,17 +139,40 @@ void AddDocumentColors(Collection& colours, std::string_view svg) {
 }
 
 std::string RGBPercentToRGBValues(std::string text) {
-  std::vector<std::pair<std::string, std::string>> replacements;
+  // Each colour as written, to its value form; the text is then rewritten
+  // in one pass, so that a document of thousands of colours (a gradient of
+  // many stops) takes no longer than its length.
+  std::unordered_map<std::string, std::string> values;
   WalkColorParts(text, [&](const ColorChannels& c, const std::string& inner) {
+    if (values.count(inner)) return;
     std::string whole;
     for (int i = 0; i < 3; ++i) {
       if (i) whole += ",";
       whole += std::to_string(RoundHalfEven(PercentValue(c[i]) / 100 * 255));
     }
-    replacements.emplace_back(":rgb(" + inner + ")", ":rgb(" + whole + ")");
+    values.emplace(inner, whole);
   });
-  for (const auto& [from, to] : replacements) ReplaceEvery(text, from, to);
-  return text;
+  if (values.empty()) return text;
+  static constexpr std::string_view kOpen = ":rgb(";
+  std::string out;
+  out.reserve(text.size());
+  std::size_t at = 0;
+  for (;;) {
+    const std::size_t open = text.find(kOpen, at);
+    const std::size_t close = open == std::string::npos ? open : text.find(')', open + kOpen.size());
+    if (close == std::string::npos) break;
+    const std::size_t inner = open + kOpen.size();
+    out.append(text, at, inner - at);
+    const auto it = values.find(text.substr(inner, close - inner));
+    if (it != values.end()) {
+      out += it->second;
+    } else {
+      out.append(text, inner, close - inner);
+    }
+    at = close;
+  }
+  out.append(text, at, std::string::npos);
+  return out;
 }
 
 }  // namespace qds

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <set>
 
 #include "colour/modColorFunctions.h"
@@ -157,6 +158,24 @@ TEST(ColorFilter, ReplacementsChainThroughTheTextAndSkipShortColours) {
 
   EXPECT_EQ(RGBPercentToRGBValues(doc).find("rgb(255,0,0)") != std::string::npos, true);
   EXPECT_NE(RGBPercentToRGBValues(doc).find("fill:rgb(0,255,0)"), std::string::npos);
+  EXPECT_NE(RGBPercentToRGBValues(doc).find("stroke:rgb(1%,2%)"), std::string::npos);
+
+  // A gradient of many stops: every colour, repeated or not, in value form,
+  // and nothing else of the text touched.
+  std::string many = R"(<svg xmlns="http://www.w3.org/2000/svg"><linearGradient id="g">)";
+  std::string expected = many;
+  for (int i = 0; i < 3000; ++i) {
+    const int v = i % 256;
+    char percent[64], value[64];
+    std::snprintf(percent, sizeof percent, "%.2f%%,0%%,%d%%", v / 255.0 * 100, i % 2 * 100);
+    std::snprintf(value, sizeof value, "%d,0,%d", v, i % 2 * 255);
+    const std::string stop = R"(<stop offset=")" + std::to_string(i) + R"(" style="stop-color:rgb()";
+    many += stop + percent + R"();stop-opacity:1;"/>)";
+    expected += stop + value + R"();stop-opacity:1;"/>)";
+  }
+  many += "</linearGradient></svg>";
+  expected += "</linearGradient></svg>";
+  EXPECT_EQ(RGBPercentToRGBValues(many), expected);
 }
 
 TEST(ColorFilter, TextLayersHoldRealPathsAndCanBeOutlined) {

@@ -8,6 +8,7 @@
 #include "app/modTexts.h"
 #include "platform/Error.h"
 #include "platform/Files.h"
+#include "platform/TextUtil.h"
 #include "store/modTemplates.h"
 
 namespace qds {
@@ -51,8 +52,10 @@ int Usage(std::ostream& err) {
 }
 
 // Writes the design unless a design of that name exists and may not be replaced.
-int Store(AppContext& app, const std::string& name, const DesignFile& design, bool replace, std::ostream& out,
-          std::ostream& err) {
+int Store(AppContext& app, const std::string& given, const DesignFile& design, bool replace,
+          std::ostream& out, std::ostream& err) {
+  // The name is stored trimmed, so it is checked trimmed: blanks alone are no name.
+  const std::string name(TrimBlanks(given));
   if (name.empty()) {
     err << Say(app, "NameMissing") << "\n";
     return 1;

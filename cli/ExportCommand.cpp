@@ -220,11 +220,14 @@ int RunExportCommand(AppContext& app, const std::vector<std::string>& args, std:
     if (has("--ids") || has("--style") || has("--theme") || has("--search")) {
       const int style = has("--style") ? IdOf(app, "Styles", opt["--style"]) : 0;
       const int theme = has("--theme") ? IdOf(app, "Themes", opt["--theme"]) : 0;
+      // Given together, the choices narrow each other down.
       std::string condition;
       if (has("--ids")) condition = "[Images].ID In (" + IdList(opt["--ids"]) + ")";
       if (has("--search")) {
-        const std::string t = SqlText(opt["--search"]);
-        condition = "([Images].Name like '%" + t + "%' or [Images].Synonyms like '%" + t + "%')";
+        // What the user typed is looked for as it stands: "%" and "_" too.
+        const std::string t = SqlLikeText(opt["--search"]);
+        condition += std::string(condition.empty() ? "" : " And ") + "([Images].Name like '%" + t +
+                     "%' escape '\\' or [Images].Synonyms like '%" + t + "%' escape '\\')";
       }
       ItemCollection chosen;
       AddBaseSVGs(app, style, theme, condition, chosen);

@@ -168,6 +168,15 @@ std::string SqlText(std::string_view value) {
   return out;
 }
 
+std::string SqlLikeText(std::string_view value) {
+  std::string out;
+  for (char c : value) {
+    if (c == '%' || c == '_' || c == '\\') out += '\\';
+    out += c;
+  }
+  return SqlText(out);
+}
+
 namespace {
 
 // Reads a keyword at `i` (after blanks); advances past it on success.

@@ -69,6 +69,10 @@ class DbConnection {
 // "Name='" + SqlText(name) + "'". NUL characters, which would cut the
 // statement short, are dropped.
 std::string SqlText(std::string_view value);
+// Text to look for inside a LIKE pattern, taken literally: "%", "_" and the
+// escape character itself are escaped. Use it with "... like '%" + it +
+// "%' escape '\\'".
+std::string SqlLikeText(std::string_view value);
 
 // "Select [Distinct] Top N rest" -> "Select [Distinct] rest LIMIT N"; any
 // other text is returned unchanged.

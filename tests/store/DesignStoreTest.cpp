@@ -365,3 +365,44 @@ TEST_F(Design, AnUnreadableDesignLeavesThePresentOneAndSaysWhy) {
   EXPECT_EQ(app.Layers.Item("9")->FillOptions(), Op::Over);
   EXPECT_NO_THROW(Png());
 }
+
+TEST_F(Design, BlankNamesAndWildcardsAreTakenAsTyped) {
+  TempDir files;
+  const std::string app = s.folder.Folder();
+  const auto run = [&](std::vector<std::string> args, std::string* err = nullptr) {
+    args.insert(args.begin(), {"--app-dir", app});
+    std::ostringstream o, e;
+    const int rc = RunCommand(ParseCommandLine(args), o, e);
+    if (err) *err = e.str();
+    return rc;
+  };
+  const std::string star = std::to_string(IdOf("star")), lock = std::to_string(IdOf("lock"));
+  WriteUtf8Text(files / "d.json", R"({"Description":"","Entries":[{"Key":"_BaseIco","IsBaseEntry":true,)"
+                                  R"("ImageIDs":")" +
+                                      star + R"(","Settings":"{}","ColorFilter":-1}]})");
+  EXPECT_EQ(run({"design", "save", "   ", "--from", files / "d.json"}), 1);
+  EXPECT_EQ(s.Count("Select Count(*) From Layer"), 0);
+  ASSERT_EQ(run({"design", "save", "  d1 ", "--from", files / "d.json"}), 0);
+  EXPECT_EQ(s.Count("Select Count(*) From Layer Where Name = 'd1'"), 1);
+
+  // "%" and "_" are looked for as characters, not as patterns.
+  CreateDirectories(files / "out");
+  std::string err;
+  for (const char* wildcard : {"%", "st_r", "s%r"}) {
+    EXPECT_EQ(run({"export", "--design", "d1", "--out", files / "out", "--search", wildcard}, &err), 1)
+        << wildcard;
+    EXPECT_NE(err.find("no library icon matches"), std::string::npos) << err;
+  }
+  ASSERT_EQ(run({"export", "--design", "d1", "--out", files / "out", "--search", "Filled_Circle"}, &err), 0)
+      << err;
+  // Icons and a search together: the icons that match the search.
+  ASSERT_EQ(run({"export", "--design", "d1", "--out", files / "out", "--ids", star + "," + lock, "--search",
+                 "lock", "--style", "Flat"},
+                &err),
+            0)
+      << err;
+  EXPECT_TRUE(FileExists(files / "out/lock_256.png"));
+  EXPECT_FALSE(FileExists(files / "out/star_256.png"));
+  EXPECT_EQ(
+      run({"export", "--design", "d1", "--out", files / "out", "--ids", star, "--search", "lock"}, &err), 1);
+}

@@ -96,7 +96,7 @@ int RunDesignCommand(AppContext& app, const std::vector<std::string>& in, std::o
   if (what == "import-tpl") {
     std::optional<DesignFile> design;
     try {
-      design = ReadTemplateBytes(ReadAllBytes(name));
+      design = ReadTemplateBytes(ReadAllBytes(name, kMaxDesignFileBytes));
     } catch (const AppError& e) {
       err << e.Description() << "\n";
       return 1;
@@ -112,7 +112,7 @@ int RunDesignCommand(AppContext& app, const std::vector<std::string>& in, std::o
     if (!a.Has("--from")) return Usage(err);
     std::optional<DesignFile> design;
     try {
-      design = ReadDesignJson(ReadAllText(a.Get("--from")));
+      design = ReadDesignJson(ReadAllText(a.Get("--from"), kMaxDesignFileBytes));
     } catch (const AppError& e) {
       err << e.Description() << "\n";
       return 1;

@@ -212,7 +212,8 @@ int RunExportCommand(AppContext& app, const std::vector<std::string>& args, std:
       if (id == 0) throw Fail{"no design is named \"" + opt["--design"] + "\""};
       design = *ReadDesign(app, id);
     } else {
-      const std::optional<DesignFile> read = ReadDesignJson(ReadAllText(opt["--design-file"]));
+      const std::optional<DesignFile> read =
+          ReadDesignJson(ReadAllText(opt["--design-file"], kMaxDesignFileBytes));
       if (!read) throw Fail{opt["--design-file"] + ": " + Say(app, "InvalidFile")};
       design = *read;
     }

@@ -68,12 +68,20 @@ std::string CreateDirectories(const std::string& path) {
   return full;
 }
 
-Bytes ReadAllBytes(const std::string& path) {
+Bytes ReadAllBytes(const std::string& path, std::size_t maxBytes) {
   const Fd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (fd.get() < 0) RaiseErrno(errno, "Cannot read", path, "ReadAllBytes");
   struct stat st {};
   if (::fstat(fd.get(), &st) == 0 && S_ISDIR(st.st_mode))
     RaiseErrno(EISDIR, "Cannot read", path, "ReadAllBytes");
+  // Devices and pipes say nothing of their size: the bound is also kept
+  // while reading.
+  const auto tooLarge = [&] {
+    Raise(ErrNo::FileAccess,
+          path + " is larger than " + std::to_string(maxBytes / (1024 * 1024)) + " MB and is not read",
+          "ReadAllBytes");
+  };
+  if (st.st_size > 0 && static_cast<std::uint64_t>(st.st_size) > maxBytes) tooLarge();
   Bytes out;
   if (st.st_size > 0) out.reserve(static_cast<std::size_t>(st.st_size));
   std::uint8_t chunk[64 * 1024];
@@ -82,13 +90,14 @@ Bytes ReadAllBytes(const std::string& path) {
     if (n < 0 && errno == EINTR) continue;
     if (n < 0) RaiseErrno(errno, "Cannot read", path, "ReadAllBytes");
     if (n == 0) break;
+    if (out.size() + static_cast<std::size_t>(n) > maxBytes) tooLarge();
     out.insert(out.end(), chunk, chunk + n);
   }
   return out;
 }
 
-std::string ReadAllText(const std::string& path) {
-  return ToString(ReadAllBytes(path));
+std::string ReadAllText(const std::string& path, std::size_t maxBytes) {
+  return ToString(ReadAllBytes(path, maxBytes));
 }
 
 void WriteAllBytes(const std::string& path, const Bytes& data) {

@@ -1,4 +1,6 @@
 #pragma once
+
+#include <cstdint>
 // File and folder helpers. Paths are UTF-8 strings with "/" separators.
 // Failures raise AppError with the classic numbers (53 file not found,
 // 75 access error, 76 path not found) and a message that names the path.
@@ -19,8 +21,10 @@ bool FolderExists(const std::string& path);
 // Returns the path with a trailing "/".
 std::string CreateDirectories(const std::string& path);
 
-Bytes ReadAllBytes(const std::string& path);
-std::string ReadAllText(const std::string& path);
+// The whole file; one larger than `maxBytes` is refused unread (a device
+// such as /dev/zero is refused once it passes the bound).
+Bytes ReadAllBytes(const std::string& path, std::size_t maxBytes = SIZE_MAX);
+std::string ReadAllText(const std::string& path, std::size_t maxBytes = SIZE_MAX);
 
 // Writes to a temporary file beside the target, flushes it to disk and
 // renames it over the target, so a reader sees the old file or the new one,

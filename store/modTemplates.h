@@ -6,6 +6,7 @@
 //   {"Name":..,"Description":..,"Opacity":100,"UseOpacity":false,
 //    "Entries":[<each entry's Content object, in stack order>]}
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,6 +16,10 @@
 namespace qds {
 
 struct AppContext;
+
+// No design or template file is larger than this; a larger one (or an
+// endless device) is refused before it fills the memory.
+constexpr std::size_t kMaxDesignFileBytes = std::size_t{64} << 20;
 
 // A design as it travels between libraries.
 struct DesignFile {

@@ -405,4 +405,14 @@ TEST_F(Design, BlankNamesAndWildcardsAreTakenAsTyped) {
   EXPECT_FALSE(FileExists(files / "out/star_256.png"));
   EXPECT_EQ(
       run({"export", "--design", "d1", "--out", files / "out", "--ids", star, "--search", "lock"}, &err), 1);
+
+  // A file without end is refused once it passes the bound, and nothing is kept.
+  for (const std::vector<std::string>& args :
+       {std::vector<std::string>{"design", "save", "zero", "--from", "/dev/zero"},
+        std::vector<std::string>{"design", "import-tpl", "/dev/zero"},
+        std::vector<std::string>{"export", "--design-file", "/dev/zero", "--out", files / "out"}}) {
+    EXPECT_EQ(run(args, &err), 1) << args[1];
+    EXPECT_NE(err.find("larger than 64 MB"), std::string::npos) << err;
+  }
+  EXPECT_EQ(s.Count("Select Count(*) From Layer"), 1);
 }

@@ -13,6 +13,11 @@ constexpr const char* kMessageFlags[] = {"MsgSaveDesign",  "MsgDelOverlay",     
                                          "MsgDelClip",     "MsgDelColorThemes", "MsgDelIcons",
                                          "MsgDelStyle",    "MsgDelTheme",       "MsgDeleteColorPreset"};
 
+#define QDS_SPEC(Type, Name, Kind, Def, Min, Max, Getter, Setter) \
+  QDS_SETTING_SPEC(Kind, #Name, Def, Min, Max),
+constexpr SettingSpec kConfigSettings[] = {QDS_CONFIG_SETTINGS(QDS_SPEC)};
+#undef QDS_SPEC
+
 }  // namespace
 
 cConfig::cConfig(DbConnection& cnn, std::string appFolder) : appFolder_(std::move(appFolder)) {
@@ -23,6 +28,15 @@ cConfig::cConfig(DbConnection& cnn, std::string appFolder) : appFolder_(std::mov
 void cConfig::setSettings(const std::string& text) {
   // Anything but an object leaves every setting at its default.
   if (text.size() <= 2 || text.front() != '{' || !bag_.Parse(text)) bag_.Clear();
+  corrected_ = CheckSettings(bag_, kConfigSettings);
+}
+
+void cConfig::SetChecked(std::string_view key, double v) {
+  qds::SetChecked(bag_, kConfigSettings, key, v);
+}
+
+void cConfig::SetChecked(std::string_view key, const std::string& v) {
+  qds::SetChecked(bag_, kConfigSettings, key, v);
 }
 
 bool cConfig::Save() {
@@ -36,10 +50,10 @@ void cConfig::ResetMessages() {
   for (const char* flag : kMessageFlags) bag_.Set(flag, true);
 }
 
-void cConfig::setImgFormat(const std::string& v) {
+void cConfig::setImgFormat(std::string v) {
   std::string upper = v;
   for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  bag_.Set("ImgFormat", upper);
+  SetChecked("ImgFormat", upper);
 }
 
 std::string cConfig::ImportIconsDBPath() const {
@@ -50,14 +64,12 @@ std::string cConfig::ImportIconsDBPath() const {
   return value;
 }
 
-int cConfig::HistoryMax() const {
-  // Every state holds a copy of the whole design: a negative depth means
-  // none, and no file may ask for more than the limit.
-  return static_cast<int>(std::clamp<std::int64_t>(bag_.GetLong("HistoryMax", 50), 0, HistoryMaxLimit));
+std::string cConfig::ImportPath() const {
+  return bag_.GetString("ImportPath", appFolder_);
 }
 
-double cConfig::UserZoom() const {
-  return std::clamp(bag_.GetDouble("UserZoom", 1.25), 1.0, 4.0);
+std::string cConfig::TemplatePath() const {
+  return bag_.GetString("TemplatePath", appFolder_ + "/");
 }
 
 }  // namespace qds

@@ -5,19 +5,45 @@
 #include <string>
 
 #include "platform/JsonBag.h"
+#include "platform/SettingsSchema.h"
 #include "platform/Value.h"
 
 namespace qds {
 
+// What an entry holds besides the layer's own settings, with its limits:
+// the colour filter code, the blend operator, the colour (R, G, B) and the
+// hue, saturation and lightness shifts. A channel may also be null: no value.
+inline constexpr SettingSpec kEntrySettings[] = {
+    {"Key", SettingKind::Text, 0, 0, 256, ""},          {"ImageIDs", SettingKind::Text, 0, 0, 4 << 20, ""},
+    {"IsBaseEntry", SettingKind::Flag, 0, 0, 1, {}},    {"Settings", SettingKind::Text, 0, 0, 16 << 20, ""},
+    {"ColorFilter", SettingKind::Whole, -1, -6, 0, {}}, {"FillOptions", SettingKind::Whole, 2, 0, 255, {}},
+    {"Visible", SettingKind::Flag, 1, 0, 1, {}},        {"R", SettingKind::Number, 0, 0, 255, {}},
+    {"G", SettingKind::Number, 0, 0, 255, {}},          {"B", SettingKind::Number, 0, 0, 255, {}},
+    {"H", SettingKind::Number, 0, -360, 360, {}},       {"S", SettingKind::Number, 0, -100, 100, {}},
+    {"L", SettingKind::Number, 0, -100, 100, {}},
+};
+
+// Brings an entry's values and the layer settings inside it into their
+// limits, in place; answers how many had to be changed. Text that is not a
+// JSON object is left for the reader to refuse.
+int CheckEntryContent(std::string& content);
+
 class cLayersEntries {
  public:
   std::string Content() const { return bag_.ToString(); }
-  // False (and an empty bag) for text that is not a JSON object.
+  // False (and an empty bag) for text that is not a JSON object. Values out
+  // of their limits are brought into them and counted.
   bool setContent(const std::string& text) {
-    if (bag_.Parse(text)) return true;
-    bag_.Clear();
-    return false;
+    corrected_ = 0;
+    if (!bag_.Parse(text)) {
+      bag_.Clear();
+      return false;
+    }
+    corrected_ = CheckSettings(bag_, kEntrySettings);
+    return true;
   }
+  // How many values the last setContent had to bring into their limits.
+  int Corrected() const { return corrected_; }
 
   int ColorFilter() const { return static_cast<int>(bag_.GetLong("ColorFilter", -1)); }
   void setColorFilter(int v) { bag_.Set("ColorFilter", v); }
@@ -62,6 +88,7 @@ class cLayersEntries {
   }
 
   JsonBag bag_;
+  int corrected_ = 0;
 };
 
 }  // namespace qds

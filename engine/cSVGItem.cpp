@@ -52,6 +52,7 @@ void cSVGItem::Init(const Value& id, const Bytes& svgBytes, const std::string& f
   visible_ = visible;
   if (settings.size() < 3 || settings.front() != '{') {
     bag_.Clear();
+    correctedSettings_ = 0;
   } else {
     setSettings(settings);
   }
@@ -69,6 +70,7 @@ void cSVGItem::setSettings(const std::string& text) {
   // Text that begins with "{" but is broken leaves an empty bag: whatever
   // the parser made of it replaces the old settings.
   if (!bag_.Parse(text)) bag_.Clear();
+  correctedSettings_ = CheckLayerSettings(bag_);
 }
 
 void cSVGItem::setColorItem(const cColorItem& colour) {
@@ -132,8 +134,63 @@ void cSVGItem::ReApply() {
   if (filter_ != FilterOriginal && !rebuilding_) setColorItem(colorItem_.Clone());
 }
 
+namespace {
+
+#define QDS_SPEC(Type, Name, Key, Kind, Def, Min, Max, Setter) QDS_SETTING_SPEC(Kind, Key, Def, Min, Max),
+constexpr SettingSpec kLayerSettings[] = {QDS_LAYER_SETTINGS(QDS_SPEC)};
+#undef QDS_SPEC
+
+// A gradient stop: where it sits, its colour (0xBBGGRR) and its alpha.
+constexpr SettingSpec kStopSettings[] = {
+    {"Offset", SettingKind::Number, 0, 0, 1, {}},
+    {"Color", SettingKind::Whole, 0, 0, 0xFFFFFF, {}},
+    {"Alpha", SettingKind::Number, 1, 0, 1, {}},
+};
+// More stops than anyone draws by hand; a file may not ask for millions.
+constexpr std::size_t kMaxGradStops = 65536;
+
+}  // namespace
+
+std::span<const SettingSpec> LayerSettings() {
+  return kLayerSettings;
+}
+
+int CheckLayerSettings(JsonBag& bag) {
+  int changed = CheckSettings(bag, kLayerSettings);
+  if (!bag.Has("GradStops")) return changed;
+  JsonBag::Json& stops = bag.Raw()["GradStops"];
+  if (!stops.is_array()) {
+    bag.Remove("GradStops");
+    return changed + 1;
+  }
+  if (stops.size() > kMaxGradStops) {
+    changed += static_cast<int>(stops.size() - kMaxGradStops);
+    stops.erase(stops.begin() + kMaxGradStops, stops.end());
+  }
+  for (std::size_t i = 0; i < stops.size();) {
+    if (!stops[i].is_object()) {
+      stops.erase(stops.begin() + static_cast<std::ptrdiff_t>(i));
+      ++changed;
+      continue;
+    }
+    JsonBag stop;
+    stop.Raw() = std::move(stops[i]);
+    changed += CheckSettings(stop, kStopSettings);
+    stops[i++] = std::move(stop.Raw());
+  }
+  return changed;
+}
+
+void cSVGItem::SetChecked(std::string_view key, double v) {
+  qds::SetChecked(bag_, kLayerSettings, key, v);
+}
+
+void cSVGItem::SetChecked(std::string_view key, const std::string& v) {
+  qds::SetChecked(bag_, kLayerSettings, key, v);
+}
+
 void cSVGItem::SetOverriding(const char* key, double v, const char* cleared1, const char* cleared2) {
-  bag_.Set(key, v);
+  SetChecked(key, v);
   bag_.Set(cleared1, 0);
   bag_.Set(cleared2, 0);
 }
@@ -165,7 +222,7 @@ void cSVGItem::setGradAngleDeg(double v) {
   } else if (v < 0) {
     v += 360;
   }
-  bag_.Set("GradAngleDeg", v);
+  SetChecked("GradAngleDeg", v);
 }
 
 Collection cSVGItem::ColorList(const std::string& text) {
@@ -218,6 +275,7 @@ void cSVGItem::GradStopsAdd(double offset, std::int64_t color, double alpha, int
   stop.Set("Offset", offset);
   stop.Set("Color", static_cast<long long>(color));
   stop.Set("Alpha", alpha);
+  CheckSettings(stop, kStopSettings);
   stops.insert(stops.begin() + at, stop.Raw());
 }
 
@@ -229,6 +287,7 @@ void cSVGItem::GradStopsSet(int index, double offset, std::int64_t color, double
   stop.Set("Offset", offset);
   stop.Set("Color", static_cast<long long>(color));
   stop.Set("Alpha", alpha);
+  CheckSettings(stop, kStopSettings);
   stops[index] = stop.Raw();
 }
 

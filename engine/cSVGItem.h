@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "colour/cColorItem.h"
@@ -19,6 +20,7 @@
 #include "platform/JsonBag.h"
 #include "platform/Path.h"
 #include "platform/Pattern.h"
+#include "platform/SettingsSchema.h"
 #include "platform/Value.h"
 
 namespace qds {
@@ -39,6 +41,83 @@ struct LayerPlacement {
   double L = 0, T = 0, R = 0, B = 0;
   double tx = 0, ty = 0;
 };
+
+// The layer's settings: property, bag key, kind, default, lowest and highest
+// value (for text the longest, in bytes), and whether the setter does more
+// than store the value. Settings read from a design or template are brought
+// into these limits once (CheckLayerSettings), setters keep them there, and
+// the drawing code relies on them: a zoom of 1e9 would ask for a picture of
+// 1e9 pixels, a clip width of 1e10 for a line that never ends.
+#define QDS_LAYER_SETTINGS(X)                                                     \
+  X(double, Width, "Width", Number, 256, 1, 1024, Plain)                          \
+  X(double, Height, "Height", Number, 256, 1, 1024, Plain)                        \
+  X(int, Angle, "Angle", Whole, 0, -360, 360, Plain)                              \
+  X(bool, IsOverlay, "IsOverlay", Flag, false, 0, 1, Plain)                       \
+  X(bool, UseAsOverlay, "UseAsOverlay", Flag, false, 0, 1, Plain)                 \
+  /* Setting an offset also sets Pos and Distance to 0. */                        \
+  X(double, OffSetx, "OffsetX", Number, 0, -1000, 1000, Own)                      \
+  X(double, OffSetY, "OffsetY", Number, 0, -1000, 1000, Own)                      \
+  X(double, Opacity, "Opacity", Number, 100, 0, 100, Plain)                       \
+  /* Setting Distance or Pos also sets the offsets to 0. */                       \
+  X(double, Distance, "Distance", Number, 0, 0, 100, Own)                         \
+  X(double, ZoomPercent, "ZoomPercent", Number, 100, 1, 200, Plain)               \
+  X(int, Pos, "Pos", Whole, 0, 0, 9, Own)                                         \
+  X(std::string, Style, "Style", Text, "", 0, 256, Plain)                         \
+  X(std::string, Theme, "Theme", Text, "", 0, 256, Plain)                         \
+  X(std::string, TextContent, "TextContent", Text, "", 0, 4096, Plain)            \
+  X(std::string, TextFontName, "TextFontName", Text, "Arial", 0, 256, Plain)      \
+  X(int, TextFontSize, "TextFontSize", Whole, 60, 1, 512, Plain)                  \
+  X(bool, TextFontBold, "TextFontBold", Flag, false, 0, 1, Plain)                 \
+  X(bool, TextFontItalic, "TextFontItalic", Flag, false, 0, 1, Plain)             \
+  X(bool, TextFontUnderline, "TextFontUnderline", Flag, false, 0, 1, Plain)       \
+  X(int, EffType, "EffType", Whole, 0, 0, 5, Plain)                               \
+  X(double, EffBlur, "EffBlur", Number, 0, 0, 100, Plain)                         \
+  /* Setting an effect offset also sets Pos and Distance to 0. */                 \
+  X(double, EffOffsetX, "EffOffsetX", Number, 0, -1000, 1000, Own)                \
+  X(double, EffOffsetY, "EffOffsetY", Number, 0, -1000, 1000, Own)                \
+  X(std::string, EffSymbolKey, "EffSymbolKey", Text, "", 0, 256, Plain)           \
+  X(std::string, EffBGKey, "EffBGKey", Text, "", 0, 256, Plain)                   \
+  X(double, EffHeightPerc, "EffHeightPerc", Number, 30, 0, 200, Plain)            \
+  X(double, EffOpacity1, "EffOpacity1", Number, 100, 0, 100, Plain)               \
+  X(double, EffOpacity2, "EffOpacity2", Number, 0, 0, 100, Plain)                 \
+  X(bool, EffIsLine, "EffIsLine", Flag, false, 0, 1, Plain)                       \
+  X(double, EffLineWidth, "EffLineWidth", Number, 3, 0, 128, Plain)               \
+  X(bool, EffIsDash, "EffIsDash", Flag, false, 0, 1, Plain)                       \
+  X(double, EffDashValue1, "EffDashValue1", Number, 40, 0.5, 256, Plain)          \
+  X(double, EffDashValue2, "EffDashValue2", Number, 20, 0.5, 256, Plain)          \
+  X(double, LSAngle, "LSAngle", Number, 135, -360, 360, Plain)                    \
+  X(bool, LSGradient, "LSGradient", Flag, false, 0, 1, Plain)                     \
+  X(std::string, ClipIBaseKey, "ClipIBaseKey", Text, "", 0, 256, Plain)           \
+  X(std::string, ClipIOverlayKey, "ClipIOverlayKey", Text, "", 0, 256, Plain)     \
+  X(int, ClipIOffset, "ClipIOffset", Whole, 20, 0, 128, Plain)                    \
+  X(bool, ClipExists, "ClipExists", Flag, false, 0, 1, Plain)                     \
+  X(double, ClipX, "ClipX", Number, 0.3515625, -1, 2, Plain)                      \
+  X(double, ClipY, "ClipY", Number, 0.3515625, -1, 2, Plain)                      \
+  X(double, ClipDX, "ClipDX", Number, 0.80078125, 0, 2, Plain)                    \
+  X(double, ClipDY, "ClipDY", Number, 0.80078125, 0, 2, Plain)                    \
+  X(double, ClipBorderRadius, "ClipBorderRadius", Number, 0.1171875, 0, 1, Plain) \
+  X(int, ClipShapeForms, "ClipShapeForms", Whole, 1, 0, 3, Plain)                 \
+  X(bool, ClipInverted, "ClipInverted", Flag, true, 0, 1, Plain)                  \
+  X(int, ClipColor, "ClipColor", Whole, -1, -1, 0xFFFFFF, Plain)                  \
+  X(double, ClipOpacity, "ClipOpacity", Number, 100, 0, 100, Plain)               \
+  X(bool, ClipVisible, "ClipVisible", Flag, true, 0, 1, Plain)                    \
+  X(bool, RCUseTheme, "RCUseTheme", Flag, false, 0, 1, Plain)                     \
+  X(std::string, RCOldColorString, "RCOldColor", Text, "", 0, 65536, Plain)       \
+  X(std::string, RCNewColorString, "RCNewColor", Text, "", 0, 65536, Plain)       \
+  X(int, EffGlowColor, "EffGlowColor", Whole, 0xFFFFFF, -1, 0xFFFFFF, Plain)      \
+  X(bool, EffIsGlow, "EffIsGlow", Flag, false, 0, 1, Plain)                       \
+  X(bool, GradRadial, "GradRadial", Flag, false, 0, 1, Plain)                     \
+  /* 360 is stored as 0; one turn is taken off or added. */                       \
+  X(double, GradAngleDeg, "GradAngleDeg", Number, 0, -360, 720, Own)              \
+  X(double, GradPointCX, "GradPointCX", Number, 0.1, -1, 2, Plain)                \
+  X(double, GradPointCY, "GradPointCY", Number, 0.1, -1, 2, Plain)                \
+  X(bool, GradInvert, "GradInvert", Flag, false, 0, 1, Plain)
+
+// The table above as data, for checking a bag read from elsewhere.
+std::span<const SettingSpec> LayerSettings();
+// Brings a layer's settings into their limits, the gradient stops too.
+// Answers how many values had to be changed.
+int CheckLayerSettings(JsonBag& bag);
 
 class cSVGItem {
  public:
@@ -111,7 +190,10 @@ class cSVGItem {
   void setSelectionIndex(int index);
 
   std::string Settings() const { return bag_.ToString(); }
+  // Reads a stored bag, bringing its values into their limits.
   void setSettings(const std::string& text);
+  // How many values the last setSettings had to bring into their limits.
+  int CorrectedSettings() const { return correctedSettings_; }
   // Rebuilds the pictures that derive from other values: text, clip with an
   // icon, glow, outline, long shadow, wall shadow, reflection.
   void SettingsRefresh();
@@ -126,95 +208,29 @@ class cSVGItem {
   // icon, picture or turn, or this layer's clip distance, has changed.
   void RefreshClipWithIcon();
 
-#define QDS_BAG(Type, Name, Key, Getter, Def)        \
-  Type Name() const {                                \
-    return static_cast<Type>(bag_.Getter(Key, Def)); \
-  }                                                  \
-  void set##Name(Type v) {                           \
-    bag_.Set(Key, v);                                \
+#define QDS_GET_Number(Key, Def) bag_.GetDouble(Key, Def)
+#define QDS_GET_Whole(Key, Def) bag_.GetLong(Key, Def)
+#define QDS_GET_Flag(Key, Def) bag_.GetBool(Key, Def)
+#define QDS_GET_Text(Key, Def) bag_.GetString(Key, Def)
+#define QDS_SET_Plain(Type, Name, Key) \
+  void set##Name(Type v) {             \
+    SetChecked(Key, v);                \
   }
+#define QDS_SET_Own(Type, Name, Key) void set##Name(Type v);
+#define QDS_ACCESSORS(Type, Name, Key, Kind, Def, Min, Max, Setter) \
+  Type Name() const {                                               \
+    return static_cast<Type>(QDS_GET_##Kind(Key, Def));             \
+  }                                                                 \
+  QDS_SET_##Setter(Type, Name, Key)
 
-  QDS_BAG(double, Width, "Width", GetDouble, 256)
-  QDS_BAG(double, Height, "Height", GetDouble, 256)
-  QDS_BAG(int, Angle, "Angle", GetLong, 0)
-  QDS_BAG(bool, IsOverlay, "IsOverlay", GetBool, false)
-  QDS_BAG(bool, UseAsOverlay, "UseAsOverlay", GetBool, false)
-  double OffSetx() const {
-    return bag_.GetDouble("OffsetX", 0);
-  }
-  void setOffSetx(double v);  // also Pos and Distance to 0
-  double OffSetY() const {
-    return bag_.GetDouble("OffsetY", 0);
-  }
-  void setOffSetY(double v);
-  QDS_BAG(double, Opacity, "Opacity", GetDouble, 100)
-  double Distance() const {
-    return bag_.GetDouble("Distance", 0);
-  }
-  void setDistance(double v);  // also the offsets to 0
-  QDS_BAG(double, ZoomPercent, "ZoomPercent", GetDouble, 100)
-  int Pos() const {
-    return static_cast<int>(bag_.GetLong("Pos", 0));
-  }
-  void setPos(int v);  // also the offsets to 0
-  QDS_BAG(std::string, Style, "Style", GetString, "")
-  QDS_BAG(std::string, Theme, "Theme", GetString, "")
-  QDS_BAG(std::string, TextContent, "TextContent", GetString, "")
-  QDS_BAG(std::string, TextFontName, "TextFontName", GetString, "Arial")
-  QDS_BAG(int, TextFontSize, "TextFontSize", GetLong, 60)
-  QDS_BAG(bool, TextFontBold, "TextFontBold", GetBool, false)
-  QDS_BAG(bool, TextFontItalic, "TextFontItalic", GetBool, false)
-  QDS_BAG(bool, TextFontUnderline, "TextFontUnderline", GetBool, false)
-  QDS_BAG(int, EffType, "EffType", GetLong, 0)
-  QDS_BAG(double, EffBlur, "EffBlur", GetDouble, 0)
-  double EffOffsetX() const {
-    return bag_.GetDouble("EffOffsetX", 0);
-  }
-  void setEffOffsetX(double v);  // also Pos and Distance to 0
-  double EffOffsetY() const {
-    return bag_.GetDouble("EffOffsetY", 0);
-  }
-  void setEffOffsetY(double v);
-  QDS_BAG(std::string, EffSymbolKey, "EffSymbolKey", GetString, "")
-  QDS_BAG(std::string, EffBGKey, "EffBGKey", GetString, "")
-  QDS_BAG(double, EffHeightPerc, "EffHeightPerc", GetDouble, 30)
-  QDS_BAG(double, EffOpacity1, "EffOpacity1", GetDouble, 100)
-  QDS_BAG(double, EffOpacity2, "EffOpacity2", GetDouble, 0)
-  QDS_BAG(bool, EffIsLine, "EffIsLine", GetBool, false)
-  QDS_BAG(double, EffLineWidth, "EffLineWidth", GetDouble, 3)
-  QDS_BAG(bool, EffIsDash, "EffIsDash", GetBool, false)
-  QDS_BAG(double, EffDashValue1, "EffDashValue1", GetDouble, 40)
-  QDS_BAG(double, EffDashValue2, "EffDashValue2", GetDouble, 20)
-  QDS_BAG(double, LSAngle, "LSAngle", GetDouble, 135)
-  QDS_BAG(bool, LSGradient, "LSGradient", GetBool, false)
-  QDS_BAG(std::string, ClipIBaseKey, "ClipIBaseKey", GetString, "")
-  QDS_BAG(std::string, ClipIOverlayKey, "ClipIOverlayKey", GetString, "")
-  QDS_BAG(int, ClipIOffset, "ClipIOffset", GetLong, 20)
-  QDS_BAG(bool, ClipExists, "ClipExists", GetBool, false)
-  QDS_BAG(double, ClipX, "ClipX", GetDouble, 0.3515625)
-  QDS_BAG(double, ClipY, "ClipY", GetDouble, 0.3515625)
-  QDS_BAG(double, ClipDX, "ClipDX", GetDouble, 0.80078125)
-  QDS_BAG(double, ClipDY, "ClipDY", GetDouble, 0.80078125)
-  QDS_BAG(double, ClipBorderRadius, "ClipBorderRadius", GetDouble, 0.1171875)
-  QDS_BAG(int, ClipShapeForms, "ClipShapeForms", GetLong, 1)
-  QDS_BAG(bool, ClipInverted, "ClipInverted", GetBool, true)
-  QDS_BAG(int, ClipColor, "ClipColor", GetLong, -1)
-  QDS_BAG(double, ClipOpacity, "ClipOpacity", GetDouble, 100)
-  QDS_BAG(bool, ClipVisible, "ClipVisible", GetBool, true)
-  QDS_BAG(bool, RCUseTheme, "RCUseTheme", GetBool, false)
-  QDS_BAG(std::string, RCOldColorString, "RCOldColor", GetString, "")
-  QDS_BAG(std::string, RCNewColorString, "RCNewColor", GetString, "")
-  QDS_BAG(int, EffGlowColor, "EffGlowColor", GetLong, 0xFFFFFF)
-  QDS_BAG(bool, EffIsGlow, "EffIsGlow", GetBool, false)
-  QDS_BAG(bool, GradRadial, "GradRadial", GetBool, false)
-  double GradAngleDeg() const {
-    return bag_.GetDouble("GradAngleDeg", 0);
-  }
-  void setGradAngleDeg(double v);  // 360 is 0; one turn taken off or added
-  QDS_BAG(double, GradPointCX, "GradPointCX", GetDouble, 0.1)
-  QDS_BAG(double, GradPointCY, "GradPointCY", GetDouble, 0.1)
-  QDS_BAG(bool, GradInvert, "GradInvert", GetBool, false)
-#undef QDS_BAG
+  QDS_LAYER_SETTINGS(QDS_ACCESSORS)
+#undef QDS_ACCESSORS
+#undef QDS_SET_Own
+#undef QDS_SET_Plain
+#undef QDS_GET_Text
+#undef QDS_GET_Flag
+#undef QDS_GET_Whole
+#undef QDS_GET_Number
 
   // The replacement's colours as collections of colour values.
   Collection RCOldColor() const {
@@ -246,6 +262,15 @@ class cSVGItem {
   void CopyClipFrom(const cSVGItem& symbol);
   // Takes the picture of the effect's symbol; answers the symbol's clone.
   SVGItemPtr FollowSymbol();
+  // Writes a value of the settings table, brought into its limits.
+  void SetChecked(std::string_view key, double v);
+  void SetChecked(std::string_view key, int v) {
+    SetChecked(key, static_cast<double>(v));
+  }
+  void SetChecked(std::string_view key, bool v) {
+    bag_.Set(key, v);
+  }
+  void SetChecked(std::string_view key, const std::string& v);
   // Writes `key` and sets the two keys it overrides to 0.
   void SetOverriding(const char* key, double v, const char* cleared1, const char* cleared2);
   void RenderLine(DrawingContext& ctx, const PathPtr& path, double lineWidth, std::int64_t colour, double W,
@@ -274,6 +299,7 @@ class cSVGItem {
   int fillOptions_ = 2;
   bool visible_ = true;
   bool rebuilding_ = false;
+  int correctedSettings_ = 0;
   JsonBag bag_;
 };
 

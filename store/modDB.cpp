@@ -226,6 +226,7 @@ bool FillLayersFromEntries(AppContext& app, const std::vector<std::string>& cont
       r.Error = where + " is not a JSON object";
       return false;
     }
+    r.Corrected += entry.Corrected();
     if (entry.Key().empty()) {
       r.Error = where + " has no key";
       return false;
@@ -267,6 +268,7 @@ bool FillLayersFromEntries(AppContext& app, const std::vector<std::string>& cont
         item = ItemFromRow(row);
       }
       ApplyEntry(*item, entry);
+      r.Corrected += item->CorrectedSettings();
       if (layers.Exists(key)) {
         ++r.SkippedEntries;  // a damaged design: the first entry of a key wins
         continue;

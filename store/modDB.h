@@ -27,6 +27,7 @@ struct DesignLoadReport {
   std::string Error;       // why the design could not be read; empty when it was
   int MissingIcons = 0;    // icons gone from the library, shown as the stand-in icon
   int SkippedEntries = 0;  // entries left out: a repeated key, a base layer with no icons
+  int Corrected = 0;       // values out of their limits, brought into them
 };
 
 // Rebuilds Layers, BaseIcons and OverlayLayers from the design's rows.

@@ -65,7 +65,7 @@ TEST(Settings, ReadDefaultsKeepUnknownKeysAndSaveOnlyWhenAsked) {
   }
 }
 
-TEST(Settings, TheUndoDepthIsReadWithinItsBounds) {
+TEST(Settings, StoredValuesAreReadWithinTheirBounds) {
   AppFolder folder;
   ScopedAppContext app(folder.Folder());
   OpenDatabases(*app);
@@ -85,6 +85,28 @@ TEST(Settings, TheUndoDepthIsReadWithinItsBounds) {
   EXPECT_EQ(config.HistoryMax(), 1000);
   config.setSettings(R"({"HistoryMax":1000})");
   EXPECT_EQ(config.HistoryMax(), 1000);
+  EXPECT_EQ(config.CorrectedSettings(), 0);
+
+  // A hand-edited file: each value out of range or of no use is counted, and
+  // unknown keys survive for a later version.
+  config.setSettings(
+      R"({"JPGQuality":5000,"UserZoom":"huge","CanvasColor":-7,"ShowRuler":{"a":1},"Prefix":[1],)"
+      R"("LastThemeID":"12","Future":1e300})");
+  EXPECT_EQ(config.CorrectedSettings(), 5);
+  EXPECT_EQ(config.JPGQuality(), 100);
+  EXPECT_DOUBLE_EQ(config.UserZoom(), 1.25);
+  EXPECT_EQ(config.CanvasColor(), -1);
+  EXPECT_TRUE(config.ShowRuler());
+  EXPECT_EQ(config.Prefix(), "");
+  EXPECT_EQ(config.LastThemeID(), 12);
+  EXPECT_NE(config.Settings().find("\"Future\""), std::string::npos);
+  // Setters keep the same limits.
+  config.setJPGQuality(3);
+  EXPECT_EQ(config.JPGQuality(), 10);
+  config.setUserZoom(9);
+  EXPECT_DOUBLE_EQ(config.UserZoom(), 4);
+  config.setDelimiter(std::string(5000, '-'));
+  EXPECT_EQ(config.Delimiter().size(), 256u);
   // No undo at all is a choice, kept as it is.
   config.setHistoryMax(0);
   ASSERT_TRUE(config.Save());

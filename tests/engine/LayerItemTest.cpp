@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "app/AppContext.h"
 #include "engine/cLayersEntries.h"
 #include "engine/cSVGItem.h"
@@ -201,4 +203,64 @@ TEST(LayerItem, AnUnderlineNeitherWrapsNorMovesALongText) {
   EXPECT_LT(underlined.bottom, plain.bottom + 12);
   EXPECT_NEAR(underlined.left, plain.left, 6);
   EXPECT_NEAR(underlined.right, plain.right, 6);
+}
+
+TEST(LayerItem, StoredSettingsOutOfTheirLimitsAreBroughtIntoThemAndCounted) {
+  StartedApp s;
+  cSVGItem item;
+  // What a damaged or hostile design holds: a clip line of 1e10 icon boxes
+  // would never finish, a zoom of 1e9 would ask for a picture that large.
+  item.Init(Value(), {}, "Layer", nullptr, true, cSVGItem::FilterOriginal, 2,
+            R"({"ClipDX":1e10,"ZoomPercent":1e9,"EffBlur":3e9,"Angle":3.7,"Opacity":"much",)"
+            R"("TextContent":[1],"ClipExists":"yes","Pos":12,"TextFontSize":"24","Later":1e300,)"
+            R"("GradStops":[{"Offset":2,"Color":-5,"Alpha":0.5},7,{"Offset":0.5,"Color":255,"Alpha":1}]})");
+  EXPECT_EQ(item.CorrectedSettings(), 11);
+  EXPECT_EQ(item.ClipDX(), 2);
+  EXPECT_EQ(item.ZoomPercent(), 200);
+  EXPECT_EQ(item.EffBlur(), 100);
+  EXPECT_EQ(item.Angle(), 4);
+  EXPECT_EQ(item.Opacity(), 100);  // unreadable: the default
+  EXPECT_EQ(item.TextContent(), "");
+  EXPECT_FALSE(item.ClipExists());
+  EXPECT_EQ(item.Pos(), 9);
+  EXPECT_EQ(item.TextFontSize(), 24);  // text that reads as a number is one
+  ASSERT_EQ(item.GradStopsCount(), 2);
+  EXPECT_EQ(item.GradStopsItem(0).Offset, 1);
+  EXPECT_EQ(item.GradStopsItem(0).Color, 0);
+  EXPECT_EQ(item.GradStopsItem(1).Color, 255);
+  // A key of a later version is kept as it is.
+  EXPECT_NE(item.Settings().find("\"Later\":1e+300"), std::string::npos) << item.Settings();
+
+  // Sane settings are left exactly as they were, order and all.
+  const std::string sane = R"({"Pos":5,"OffsetX":0,"OffsetY":0,"Distance":4,"ZoomPercent":62.5,"Angle":-90})";
+  item.setSettings(sane);
+  EXPECT_EQ(item.CorrectedSettings(), 0);
+  EXPECT_EQ(item.Settings(), sane);
+
+  // Setters hold the same limits, whatever a tool or a script hands them.
+  item.setZoomPercent(1e9);
+  EXPECT_EQ(item.ZoomPercent(), 200);
+  item.setOffSetx(-1e308);
+  EXPECT_EQ(item.OffSetx(), -1000);
+  item.setClipDX(std::nan(""));
+  EXPECT_EQ(item.ClipDX(), 0.80078125);
+  item.setStyle(std::string(300, 'a') + "\xC3\xA4");
+  EXPECT_EQ(item.Style().size(), 256u);
+  item.setStyle(std::string(255, 'a') + "\xC3\xA4");
+  EXPECT_EQ(item.Style(), std::string(255, 'a'));  // never half a character
+  item.GradStopsAdd(-3, 0x1FFFFFF, 7, 0);
+  EXPECT_EQ(item.GradStopsItem(0).Offset, 0);
+  EXPECT_EQ(item.GradStopsItem(0).Opacity, 1);
+
+  // A stored entry: its own values and the settings inside it.
+  std::string content =
+      R"({"Key":"_BaseIco","IsBaseEntry":true,"ImageIDs":"136","R":900,"ColorFilter":-40,)"
+      R"("Settings":"{\"ClipExists\":true,\"ClipDX\":1e10}"})";
+  EXPECT_EQ(CheckEntryContent(content), 3);
+  cLayersEntries entry;
+  ASSERT_TRUE(entry.setContent(content));
+  EXPECT_EQ(entry.Corrected(), 0);  // stored back in range
+  EXPECT_EQ(entry.r().AsDouble(), 255);
+  EXPECT_EQ(entry.ColorFilter(), -6);
+  EXPECT_EQ(entry.Settings(), R"({"ClipExists":true,"ClipDX":2})");
 }

@@ -1,6 +1,7 @@
 // A layer's settings text comes from saved designs, templates and presets.
 // Any text must leave a layer that answers every setting, writes settings
-// that read back the same, and takes gradient and colour-list edits.
+// that read back the same, holds every value within its limits, and takes
+// gradient and colour-list edits.
 
 #include <cstdlib>
 
@@ -14,7 +15,9 @@ std::vector<qds::Bytes> FuzzSeeds() {
           R"({"Pos":5,"OffsetX":0,"OffsetY":0,"Distance":4,"GradStops":[{"Offset":0,"Color":255,"Alpha":1}]})"),
       qds::ToBytes(
           R"({"TextContent":"Ab","TextFontSize":"120","EffIsLine":true,"RCOldColor":"1, 2,x","RCNewColor":"3,4"})"),
-      qds::ToBytes(R"({"GradStops":{"a":1},"Angle":1e300,"ClipX":null})"), qds::ToBytes("{}")};
+      qds::ToBytes(R"({"GradStops":{"a":1},"Angle":1e300,"ClipX":null})"),
+      qds::ToBytes(R"({"ClipExists":true,"ClipDX":1e10,"ZoomPercent":-1e308,"EffBlur":3e9,"Style":[1]})"),
+      qds::ToBytes("{}")};
 }
 
 QDS_FUZZ_INITIALIZE
@@ -33,6 +36,22 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   (void)item.RCNewColor();
   for (int i = 0; i < item.GradStopsCount(); ++i) (void)item.GradStopsItem(i);
   const std::string once = item.Settings();
+  // Whatever came in, what the drawing code reads is within its limits.
+  const qds::JsonBag read = qds::JsonBag::FromText(once);
+  for (const qds::SettingSpec& spec : qds::LayerSettings()) {
+    const auto& raw = read.Raw();
+    const auto it = raw.find(spec.key);
+    if (it == raw.end() || it->is_null()) continue;
+    if (spec.kind == qds::SettingKind::Number || spec.kind == qds::SettingKind::Whole) {
+      if (!it->is_number()) std::abort();
+      const double v = it->get<double>();
+      if (!(v >= spec.min && v <= spec.max)) std::abort();
+    } else if (spec.kind == qds::SettingKind::Text) {
+      if (!it->is_string() || it->get<std::string>().size() > spec.max) std::abort();
+    } else if (!it->is_boolean()) {
+      std::abort();
+    }
+  }
   qds::cSVGItem again;
   again.Init(qds::Value(), {}, "fuzz", nullptr, true, qds::cSVGItem::FilterOriginal, 2, once);
   if (again.Settings() != once) std::abort();

@@ -4,11 +4,12 @@
 #include <chrono>
 #include <cstdio>
 #include <map>
+#include <optional>
 #include <ostream>
-#include <set>
 
 #include "app/AppContext.h"
 #include "app/modTexts.h"
+#include "cli/CommandOptions.h"
 #include "engine/cLayersEntries.h"
 #include "export/cIcoResWriter.h"
 #include "export/modExport.h"
@@ -23,9 +24,39 @@ namespace qds {
 
 namespace {
 
-const std::set<std::string> kSwitches = {"--adjust-size",       "--no-size-ext",     "--remove-blank",
-                                         "--rename-duplicates", "--overwrite",       "--folder-per-format",
-                                         "--folder-per-size",   "--percent-colours", "--help"};
+// Every option of export, and whether a value follows it.
+constexpr OptionSpec kExportOptions[] = {{"--design", true},
+                                         {"--design-file", true},
+                                         {"--out", true},
+                                         {"--format", true},
+                                         {"--size", true},
+                                         {"--adjust-size", false},
+                                         {"--ico-sizes", true},
+                                         {"--ids", true},
+                                         {"--style", true},
+                                         {"--theme", true},
+                                         {"--search", true},
+                                         {"--prefix", true},
+                                         {"--delimiter", true},
+                                         {"--name", true},
+                                         {"--ext", true},
+                                         {"--no-size-ext", false},
+                                         {"--remove-blank", false},
+                                         {"--rename-duplicates", false},
+                                         {"--overwrite", false},
+                                         {"--quality", true},
+                                         {"--bg", true},
+                                         {"--folder-per-format", false},
+                                         {"--folder-per-size", false},
+                                         {"--percent-colours", false},
+                                         {"--help", false}};
+
+std::optional<CommandArgs> ReadExportArgs(const std::vector<std::string>& args, std::ostream& err) {
+  const CommandArgs read = ReadCommandArgs(args, kExportOptions, 0);
+  if (read.error.empty()) return read;
+  err << "quillaron export: " << read.error << " (see quillaron export --help)\n";
+  return std::nullopt;
+}
 
 struct Fail {
   std::string message;
@@ -128,20 +159,15 @@ void PrintExportHelp(std::ostream& out) {
          "  --percent-colours      keep SVG colours in per cent\n";
 }
 
+bool CheckExportArgs(const std::vector<std::string>& args, std::ostream& err) {
+  return ReadExportArgs(args, err).has_value();
+}
+
 int RunExportCommand(AppContext& app, const std::vector<std::string>& args, std::ostream& out,
                      std::ostream& err, bool terminal) {
-  std::map<std::string, std::string> opt;
-  for (std::size_t i = 0; i < args.size(); ++i) {
-    if (kSwitches.count(args[i])) {
-      opt[args[i]] = "";
-    } else if (args[i].rfind("--", 0) == 0 && i + 1 < args.size()) {
-      opt[args[i]] = args[i + 1];
-      ++i;
-    } else {
-      err << "quillaron export: unknown argument \"" << args[i] << "\" (see quillaron export --help)\n";
-      return 2;
-    }
-  }
+  const std::optional<CommandArgs> given = ReadExportArgs(args, err);
+  if (!given) return 2;
+  std::map<std::string, std::string> opt = given->options;
   if (opt.count("--help")) {
     PrintExportHelp(out);
     return 0;

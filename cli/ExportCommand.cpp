@@ -68,11 +68,10 @@ std::string Say(AppContext& app, const std::string& key) {
 }
 
 int Number(const std::string& flag, const std::string& text, int min, int max) {
-  try {
-    const std::int64_t v = Value(text).AsLong();
-    if (v >= min && v <= max && !TrimBlanks(text).empty()) return static_cast<int>(v);
-  } catch (const AppError&) {
-  }
+  // Strictly whole: "3.5" is refused, not rounded, and "99999999999999999999"
+  // gets this message too.
+  const std::optional<std::int64_t> v = WholeNumber(text);
+  if (v && *v >= min && *v <= max) return static_cast<int>(*v);
   throw Fail{flag + " takes a whole number from " + std::to_string(min) + " to " + std::to_string(max) +
              ", not \"" + text + "\""};
 }
@@ -87,6 +86,10 @@ std::string IdList(const std::string& text) {
 }
 
 int IdOf(AppContext& app, const char* table, const std::string& name) {
+  // The style "Quillaron" holds the studio's own shapes and is hidden wherever
+  // a user picks a style.
+  if (table[0] == 'S' && EqualsNoCase(name, "Quillaron"))
+    throw Fail{"\"" + name + "\" holds the studio's own shapes, not a library style"};
   DbRecordset rs = app.Cnn.Query(std::string("Select ID From ") + table + " Where Name = '" + SqlText(name) +
                                  "' COLLATE NOCASE");
   if (rs.Eof())

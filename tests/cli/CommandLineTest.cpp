@@ -4,6 +4,8 @@
 #include <sstream>
 
 #include "cli/CommandLine.h"
+#include "platform/Files.h"
+#include "tests/support/AppFolder.h"
 #include "tests/support/TempDir.h"
 
 using namespace qds;
@@ -101,4 +103,45 @@ TEST(CommandLine, MistypedRepeatedAndEmptyOptionsAreRefusedBeforeTheLibraryIsOpe
     EXPECT_NE(err.find(c.says), std::string::npos) << err;
   }
   EXPECT_EQ(FilesIn(empty.Path()), 0);
+}
+
+TEST(CommandLine, NumbersAreWholeAndTheStudiosOwnShapesAreNoLibraryStyle) {
+  AppFolder app;
+  TempDir files;
+  WriteUtf8Text(files / "d.json", R"({"Description":"","Entries":[{"Key":"_BaseIco","IsBaseEntry":true,)"
+                                  R"("ImageIDs":"1","Settings":"{}"}]})");
+  const std::string out = files / "out";
+  CreateDirectories(out);
+  const auto run = [&](std::vector<std::string> args, std::string* err) {
+    args.insert(args.begin(),
+                {"--app-dir", app.Folder(), "export", "--design-file", files / "d.json", "--out", out});
+    return RunCli(args, nullptr, err);
+  };
+  std::string err;
+  for (const std::vector<std::string>& bad : {std::vector<std::string>{"--size", "3.5x3.5"},
+                                              {"--size", "16x99999999999999999999"},
+                                              {"--quality", "50.5", "--format", "JPG"},
+                                              {"--ids", "3.7"},
+                                              {"--ids", "99999999999999999999"},
+                                              {"--ico-sizes", "16,24.5", "--format", "ICO"}}) {
+    EXPECT_EQ(run(bad, &err), 1) << bad[1];
+    EXPECT_NE(err.find(bad[0] + " takes a whole number from "), std::string::npos) << err;
+    EXPECT_EQ(err.find("Overflow"), std::string::npos) << err;
+  }
+  for (const char* style : {"Quillaron", "quillaron"}) {
+    EXPECT_EQ(run({"--style", style}, &err), 1);
+    EXPECT_NE(err.find("\"" + std::string(style) + "\" holds the studio's own shapes, not a library style"),
+              std::string::npos)
+        << err;
+  }
+  EXPECT_EQ(FilesIn(out), 0);
+
+  // Blanks and a sign around the digits are fine; a value may begin with "-".
+  ASSERT_EQ(run({"--size= +16x16 ", "--prefix", "-x", "--search", "lock", "--style", "Flat"}, &err), 0)
+      << err;
+  EXPECT_GT(FilesIn(out), 0);
+  for (const auto& e : std::filesystem::directory_iterator(out)) {
+    EXPECT_EQ(e.path().filename().string().rfind("-x_", 0), 0u) << e.path();
+    EXPECT_NE(e.path().filename().string().find("_16.png"), std::string::npos) << e.path();
+  }
 }

@@ -38,7 +38,10 @@ void PrintHelp(std::ostream& out) {
       << "  --app-dir DIR   use DIR as the application folder instead of the\n"
       << "                  folder of the executable\n"
       << "  --help          show this help\n"
-      << "  --version       show the version\n";
+      << "  --version       show the version\n"
+      << "\n"
+      << "A value follows its option as the next word or after \"=\" (--app-dir=DIR).\n"
+      << "Options a command does not know, and options given twice, are refused.\n";
 }
 
 // Runs `body` on a program started without a window; 1 when it cannot start.

@@ -135,8 +135,7 @@ std::optional<std::int64_t> WholeNumber(std::string_view text) {
   // Read with the sign in place, so that the most negative number still fits.
   const std::string digits = (negative ? "-" : "") + std::string(text);
   std::int64_t v = 0;
-  const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), v);
-  if (ec != std::errc() || end != digits.data() + digits.size()) return std::nullopt;
+  if (std::from_chars(digits.data(), digits.data() + digits.size(), v).ec != std::errc()) return std::nullopt;
   return v;
 }
 

@@ -8,6 +8,7 @@
 
 #include "app/AppContext.h"
 #include "app/modStartup.h"
+#include "cli/CommandOptions.h"
 #include "cli/DesignCommands.h"
 #include "cli/ExportCommand.h"
 #include "platform/Error.h"
@@ -37,7 +38,10 @@ void PrintHelp(std::ostream& out) {
       << "  --app-dir DIR   use DIR as the application folder instead of the\n"
       << "                  folder of the executable\n"
       << "  --help          show this help\n"
-      << "  --version       show the version\n";
+      << "  --version       show the version\n"
+      << "\n"
+      << "A value follows its option as the next word or after \"=\" (--app-dir=DIR).\n"
+      << "Options a command does not know, and options given twice, are refused.\n";
 }
 
 // Runs `body` on a program started without a window; 1 when it cannot start.
@@ -59,27 +63,39 @@ int Init(AppContext& app, std::ostream& out) {
 }  // namespace
 
 CommandLine ParseCommandLine(const std::vector<std::string>& args) {
+  // Options of the program itself may stand anywhere; after the command,
+  // those it does not know are the command's own.
+  static constexpr OptionSpec kKnown[] = {{"--app-dir", true}, {"--help", false}, {"--version", false}};
   CommandLine cmd;
-  for (std::size_t i = 0; i < args.size(); ++i) {
-    const std::string& a = args[i];
-    if (a == "--app-dir") {
-      if (i + 1 >= args.size()) {
-        cmd.error = "--app-dir needs a folder";
-        return cmd;
-      }
-      cmd.appDir = args[++i];
-    } else if (a.rfind("--app-dir=", 0) == 0) {
-      cmd.appDir = a.substr(10);
-    } else if (a == "--help" || a == "-h" || (cmd.words.empty() && a == "help")) {
+  std::vector<std::string> rest;
+  for (const std::string& a : args) {
+    if (a == "-h")
       cmd.help = true;
-    } else if (a == "--version") {
-      cmd.version = true;
-    } else if (a.size() > 1 && a[0] == '-' && cmd.words.empty()) {
-      cmd.error = "unknown option " + a;
+    else
+      rest.push_back(a);
+  }
+  CommandArgs read = ReadCommandArgs(rest, kKnown, rest.size(), UnknownOptions::PassAfterFirstWord);
+  if (!read.error.empty()) {
+    cmd.error = read.error;
+    return cmd;
+  }
+  if (read.Has("--app-dir")) {
+    if (read.Get("--app-dir").empty()) {
+      cmd.error = "--app-dir needs a value";
       return cmd;
-    } else {
-      cmd.words.push_back(a);
     }
+    cmd.appDir = read.Get("--app-dir");
+  }
+  cmd.help = cmd.help || read.Has("--help");
+  cmd.version = read.Has("--version");
+  cmd.words = std::move(read.words);
+  if (!cmd.words.empty() && cmd.words.front() == "help") {
+    cmd.help = true;
+    cmd.words.erase(cmd.words.begin());
+  }
+  // No command begins with "-": "-version" is a mistyped option.
+  if (!cmd.words.empty() && cmd.words.front().size() > 1 && cmd.words.front()[0] == '-') {
+    cmd.error = UnknownOption(cmd.words.front(), kKnown);
   }
   return cmd;
 }
@@ -100,19 +116,38 @@ int RunCommand(const CommandLine& cmd, std::ostream& out, std::ostream& err) {
   }
   const std::string& what = cmd.words.front();
   try {
-    if (what == "init") return Started(cmd, err, [&](AppContext& app) { return Init(app, out); });
+    if (what == "init") {
+      // init takes nothing more; what follows it is a mistake, not passed over.
+      const CommandArgs read = ReadCommandArgs({cmd.words.begin() + 1, cmd.words.end()}, {}, 0);
+      if (!read.error.empty()) {
+        err << "quillaron init: " << read.error << "\n";
+        return 2;
+      }
+      if (cmd.help) {
+        PrintHelp(out);
+        return 0;
+      }
+      return Started(cmd, err, [&](AppContext& app) { return Init(app, out); });
+    }
     if (what == "export") {
       const std::vector<std::string> rest(cmd.words.begin() + 1, cmd.words.end());
       if (cmd.help) {
         PrintExportHelp(out);
         return 0;
       }
+      // A wrong command line is refused before the library is opened.
+      if (!CheckExportArgs(rest, err)) return 2;
       const bool terminal = &out == &std::cout && ::isatty(STDOUT_FILENO);
       return Started(cmd, err,
                      [&](AppContext& app) { return RunExportCommand(app, rest, out, err, terminal); });
     }
     if (what == "design") {
       const std::vector<std::string> rest(cmd.words.begin() + 1, cmd.words.end());
+      if (cmd.help) {
+        PrintDesignHelp(out);
+        return 0;
+      }
+      if (!CheckDesignArgs(rest, err)) return 2;
       return Started(cmd, err, [&](AppContext& app) { return RunDesignCommand(app, rest, out, err); });
     }
   } catch (...) {

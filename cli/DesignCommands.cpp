@@ -1,11 +1,14 @@
 #include "cli/DesignCommands.h"
 
 #include <algorithm>
-#include <map>
+#include <optional>
 #include <ostream>
+#include <span>
+#include <string_view>
 
 #include "app/AppContext.h"
 #include "app/modTexts.h"
+#include "cli/CommandOptions.h"
 #include "platform/Error.h"
 #include "platform/Files.h"
 #include "platform/TextUtil.h"
@@ -15,28 +18,23 @@ namespace qds {
 
 namespace {
 
-// Positional words and "--flag value" / "--switch" options.
-struct Args {
-  std::vector<std::string> words;
-  std::map<std::string, std::string> options;
-  bool Has(const std::string& o) const { return options.count(o) > 0; }
-  std::string Get(const std::string& o) const { return Has(o) ? options.at(o) : std::string(); }
+// What each sub-command takes: how many words after its own name, and which
+// options.
+struct SubCommand {
+  std::string_view name;
+  std::size_t words;
+  std::span<const OptionSpec> options;
 };
 
-Args Split(const std::vector<std::string>& in) {
-  Args a;
-  for (std::size_t i = 0; i < in.size(); ++i) {
-    if (in[i] == "--replace") {
-      a.options["--replace"] = "";
-    } else if (in[i].rfind("--", 0) == 0 && i + 1 < in.size()) {
-      a.options[in[i]] = in[i + 1];
-      ++i;
-    } else {
-      a.words.push_back(in[i]);
-    }
-  }
-  return a;
-}
+constexpr OptionSpec kSaveOptions[] = {{"--from", true}, {"--replace", false}};
+constexpr OptionSpec kExportTplOptions[] = {{"--out", true}, {"--replace", false}};
+constexpr OptionSpec kImportTplOptions[] = {{"--name", true}, {"--replace", false}};
+constexpr SubCommand kSubCommands[] = {{"list", 0, {}},
+                                       {"show", 1, {}},
+                                       {"save", 1, kSaveOptions},
+                                       {"delete", 1, {}},
+                                       {"export-tpl", 1, kExportTplOptions},
+                                       {"import-tpl", 1, kImportTplOptions}};
 
 // The user's words for a message key, with the key itself as a last resort.
 std::string Say(AppContext& app, const std::string& key) {
@@ -45,10 +43,29 @@ std::string Say(AppContext& app, const std::string& key) {
 }
 
 int Usage(std::ostream& err) {
-  err << "usage: quillaron design list | show NAME | save NAME --from FILE.json [--replace] | delete NAME\n"
-         "                       | export-tpl NAME --out FILE.tpl [--replace]\n"
-         "                       | import-tpl FILE.tpl [--name NAME] [--replace]\n";
+  PrintDesignHelp(err);
   return 2;
+}
+
+// The words after "design", the sub-command first, read against what that
+// sub-command takes; nullopt after telling `err` what is wrong.
+std::optional<CommandArgs> ReadDesignArgs(const std::vector<std::string>& in, std::ostream& err) {
+  const auto sub = std::find_if(std::begin(kSubCommands), std::end(kSubCommands),
+                                [&](const SubCommand& c) { return !in.empty() && c.name == in[0]; });
+  if (sub == std::end(kSubCommands)) {
+    Usage(err);
+    return std::nullopt;
+  }
+  const CommandArgs a = ReadCommandArgs(in, sub->options, sub->words + 1);
+  if (!a.error.empty()) {
+    err << "quillaron design " << sub->name << ": " << a.error << "\n";
+    return std::nullopt;
+  }
+  if (a.words.size() < sub->words + 1) {
+    Usage(err);
+    return std::nullopt;
+  }
+  return a;
 }
 
 // Writes the design unless a design of that name exists and may not be replaced.
@@ -75,14 +92,23 @@ int Store(AppContext& app, const std::string& given, const DesignFile& design, b
 
 }  // namespace
 
+void PrintDesignHelp(std::ostream& out) {
+  out << "usage: quillaron design list | show NAME | save NAME --from FILE.json [--replace] | delete NAME\n"
+         "                       | export-tpl NAME --out FILE.tpl [--replace]\n"
+         "                       | import-tpl FILE.tpl [--name NAME] [--replace]\n";
+}
+
+bool CheckDesignArgs(const std::vector<std::string>& args, std::ostream& err) {
+  return ReadDesignArgs(args, err).has_value();
+}
+
 int RunDesignCommand(AppContext& app, const std::vector<std::string>& in, std::ostream& out,
                      std::ostream& err) {
-  const Args a = Split(in);
-  if (a.words.empty()) return Usage(err);
+  const std::optional<CommandArgs> given = ReadDesignArgs(in, err);
+  if (!given) return 2;
+  const CommandArgs& a = *given;
   const std::string& what = a.words[0];
   const std::string name = a.words.size() > 1 ? a.words[1] : std::string();
-  static const char* const known[] = {"list", "show", "save", "delete", "export-tpl", "import-tpl"};
-  if (std::find(std::begin(known), std::end(known), what) == std::end(known)) return Usage(err);
 
   if (what == "list") {
     for (DbRecordset rs = app.Cnn.Query("Select Name From Layer Order By Name COLLATE NOCASE"); !rs.Eof();
@@ -91,7 +117,6 @@ int RunDesignCommand(AppContext& app, const std::vector<std::string>& in, std::o
     }
     return 0;
   }
-  if (a.words.size() < 2) return Usage(err);
 
   if (what == "import-tpl") {
     std::optional<DesignFile> design;

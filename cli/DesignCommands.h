@@ -14,5 +14,9 @@ struct AppContext;
 // `args` are the words after "design". Returns the exit code.
 int RunDesignCommand(AppContext& app, const std::vector<std::string>& args, std::ostream& out,
                      std::ostream& err);
+void PrintDesignHelp(std::ostream& out);
+// Reads the words after "design" against what its sub-command takes, without
+// the library; false when they are wrong, after telling `err` why.
+bool CheckDesignArgs(const std::vector<std::string>& args, std::ostream& err);
 
 }  // namespace qds

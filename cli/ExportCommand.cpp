@@ -4,11 +4,12 @@
 #include <chrono>
 #include <cstdio>
 #include <map>
+#include <optional>
 #include <ostream>
-#include <set>
 
 #include "app/AppContext.h"
 #include "app/modTexts.h"
+#include "cli/CommandOptions.h"
 #include "engine/cLayersEntries.h"
 #include "export/cIcoResWriter.h"
 #include "export/modExport.h"
@@ -23,9 +24,39 @@ namespace qds {
 
 namespace {
 
-const std::set<std::string> kSwitches = {"--adjust-size",       "--no-size-ext",     "--remove-blank",
-                                         "--rename-duplicates", "--overwrite",       "--folder-per-format",
-                                         "--folder-per-size",   "--percent-colours", "--help"};
+// Every option of export, and whether a value follows it.
+constexpr OptionSpec kExportOptions[] = {{"--design", true},
+                                         {"--design-file", true},
+                                         {"--out", true},
+                                         {"--format", true},
+                                         {"--size", true},
+                                         {"--adjust-size", false},
+                                         {"--ico-sizes", true},
+                                         {"--ids", true},
+                                         {"--style", true},
+                                         {"--theme", true},
+                                         {"--search", true},
+                                         {"--prefix", true},
+                                         {"--delimiter", true},
+                                         {"--name", true},
+                                         {"--ext", true},
+                                         {"--no-size-ext", false},
+                                         {"--remove-blank", false},
+                                         {"--rename-duplicates", false},
+                                         {"--overwrite", false},
+                                         {"--quality", true},
+                                         {"--bg", true},
+                                         {"--folder-per-format", false},
+                                         {"--folder-per-size", false},
+                                         {"--percent-colours", false},
+                                         {"--help", false}};
+
+std::optional<CommandArgs> ReadExportArgs(const std::vector<std::string>& args, std::ostream& err) {
+  const CommandArgs read = ReadCommandArgs(args, kExportOptions, 0);
+  if (read.error.empty()) return read;
+  err << "quillaron export: " << read.error << " (see quillaron export --help)\n";
+  return std::nullopt;
+}
 
 struct Fail {
   std::string message;
@@ -37,11 +68,10 @@ std::string Say(AppContext& app, const std::string& key) {
 }
 
 int Number(const std::string& flag, const std::string& text, int min, int max) {
-  try {
-    const std::int64_t v = Value(text).AsLong();
-    if (v >= min && v <= max && !TrimBlanks(text).empty()) return static_cast<int>(v);
-  } catch (const AppError&) {
-  }
+  // Strictly whole: "3.5" is refused, not rounded, and "99999999999999999999"
+  // gets this message too.
+  const std::optional<std::int64_t> v = WholeNumber(text);
+  if (v && *v >= min && *v <= max) return static_cast<int>(*v);
   throw Fail{flag + " takes a whole number from " + std::to_string(min) + " to " + std::to_string(max) +
              ", not \"" + text + "\""};
 }
@@ -56,6 +86,10 @@ std::string IdList(const std::string& text) {
 }
 
 int IdOf(AppContext& app, const char* table, const std::string& name) {
+  // The style "Quillaron" holds the studio's own shapes and is hidden wherever
+  // a user picks a style.
+  if (table[0] == 'S' && EqualsNoCase(name, "Quillaron"))
+    throw Fail{"\"" + name + "\" holds the studio's own shapes, not a library style"};
   DbRecordset rs = app.Cnn.Query(std::string("Select ID From ") + table + " Where Name = '" + SqlText(name) +
                                  "' COLLATE NOCASE");
   if (rs.Eof())
@@ -100,6 +134,8 @@ void PrintExportHelp(std::ostream& out) {
          "[options]\n"
          "\n"
          "Draws a saved design for each base icon and writes one file per icon.\n"
+         "A value follows its option as the next word or after \"=\" (--size=64x64);\n"
+         "each option is given once, and numbers are whole numbers.\n"
          "\n"
          "  --design NAME          a design saved in the library\n"
          "  --design-file FILE     a design file (JSON), used without saving it\n"
@@ -110,9 +146,12 @@ void PrintExportHelp(std::ostream& out) {
          "  --ico-sizes LIST       sizes of an ICO file, default 16,20,24,32,40,48,64,256;\n"
          "                         the last one is stored as PNG\n"
          "  --ids 1,2,3            the base icons by library ID\n"
-         "  --style S --theme T    the base icons of a style and/or theme\n"
+         "  --style S              the base icons of a library style\n"
+         "  --theme T              the base icons of a theme\n"
          "  --search TEXT          the base icons whose name or synonyms hold TEXT\n"
-         "                         (without these, the icons saved with the design)\n"
+         "                         --ids, --style, --theme and --search together take\n"
+         "                         the icons that match all of them; without any, the\n"
+         "                         icons saved with the design\n"
          "  --prefix TEXT          put before every name\n"
          "  --delimiter TEXT       between the parts of a name, default _\n"
          "  --name base|overlay|TEXT   the name part, default base\n"
@@ -128,20 +167,15 @@ void PrintExportHelp(std::ostream& out) {
          "  --percent-colours      keep SVG colours in per cent\n";
 }
 
+bool CheckExportArgs(const std::vector<std::string>& args, std::ostream& err) {
+  return ReadExportArgs(args, err).has_value();
+}
+
 int RunExportCommand(AppContext& app, const std::vector<std::string>& args, std::ostream& out,
                      std::ostream& err, bool terminal) {
-  std::map<std::string, std::string> opt;
-  for (std::size_t i = 0; i < args.size(); ++i) {
-    if (kSwitches.count(args[i])) {
-      opt[args[i]] = "";
-    } else if (args[i].rfind("--", 0) == 0 && i + 1 < args.size()) {
-      opt[args[i]] = args[i + 1];
-      ++i;
-    } else {
-      err << "quillaron export: unknown argument \"" << args[i] << "\" (see quillaron export --help)\n";
-      return 2;
-    }
-  }
+  const std::optional<CommandArgs> given = ReadExportArgs(args, err);
+  if (!given) return 2;
+  std::map<std::string, std::string> opt = given->options;
   if (opt.count("--help")) {
     PrintExportHelp(out);
     return 0;

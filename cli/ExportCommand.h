@@ -13,5 +13,8 @@ struct AppContext;
 int RunExportCommand(AppContext& app, const std::vector<std::string>& args, std::ostream& out,
                      std::ostream& err, bool terminal);
 void PrintExportHelp(std::ostream& out);
+// Reads the words after "export" against the options it knows, without the
+// library; false when they are wrong, after telling `err` why.
+bool CheckExportArgs(const std::vector<std::string>& args, std::ostream& err);
 
 }  // namespace qds

@@ -7,6 +7,7 @@
 #include <ostream>
 
 #include "app/AppContext.h"
+#include "app/cConfig.h"
 #include "app/modStartup.h"
 #include "cli/CommandOptions.h"
 #include "cli/DesignCommands.h"
@@ -49,6 +50,7 @@ int Started(const CommandLine& cmd, std::ostream& err, const std::function<int(A
   ScopedAppContext app(cmd.appDir ? *cmd.appDir : ExecutableFolder());
   app->ShowMessage = [&err](const std::string& text) { err << text << "\n"; };
   if (!StartWithoutWindow(*app)) return 1;
+  ReportCorrected(err, app->Config->CorrectedSettings(), "the settings");
   return body(*app);
 }
 
@@ -61,6 +63,13 @@ int Init(AppContext& app, std::ostream& out) {
 }
 
 }  // namespace
+
+void ReportCorrected(std::ostream& err, int count, const std::string& what) {
+  if (count <= 0) return;
+  err << "quillaron: " << count << (count == 1 ? " value of " : " values of ") << what
+      << (count == 1 ? " was" : " were") << " out of range and " << (count == 1 ? "is" : "are") << " used at "
+      << (count == 1 ? "its limit" : "their limits") << "\n";
+}
 
 CommandLine ParseCommandLine(const std::vector<std::string>& args) {
   // Options of the program itself may stand anywhere; after the command,

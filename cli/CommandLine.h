@@ -22,4 +22,8 @@ CommandLine ParseCommandLine(const std::vector<std::string>& args);
 // command failed, 2 the command line was wrong).
 int RunCommand(const CommandLine& cmd, std::ostream& out, std::ostream& err);
 
+// Says how many values of `what` (a design, the settings) were out of their
+// limits and are used at them instead; nothing when there were none.
+void ReportCorrected(std::ostream& err, int count, const std::string& what);
+
 }  // namespace qds

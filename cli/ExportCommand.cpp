@@ -9,6 +9,7 @@
 
 #include "app/AppContext.h"
 #include "app/modTexts.h"
+#include "cli/CommandLine.h"
 #include "cli/CommandOptions.h"
 #include "engine/cLayersEntries.h"
 #include "export/cIcoResWriter.h"
@@ -287,6 +288,7 @@ int RunExportCommand(AppContext& app, const std::vector<std::string>& args, std:
       err << "quillaron export: " << loaded.MissingIcons
           << " icon(s) of the design are no longer in the library and show as the stand-in icon\n";
     }
+    ReportCorrected(err, loaded.Corrected, "the design");
     if (loaded.SkippedEntries > 0) {
       err << "quillaron export: " << loaded.SkippedEntries << " layer(s) of the design were left out\n";
     }

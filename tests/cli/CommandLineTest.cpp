@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "cli/CommandLine.h"
+#include "platform/DbConnection.h"
 #include "platform/Files.h"
 #include "tests/support/AppFolder.h"
 #include "tests/support/TempDir.h"
@@ -144,4 +145,33 @@ TEST(CommandLine, NumbersAreWholeAndTheStudiosOwnShapesAreNoLibraryStyle) {
     EXPECT_EQ(e.path().filename().string().rfind("-x_", 0), 0u) << e.path();
     EXPECT_NE(e.path().filename().string().find("_16.png"), std::string::npos) << e.path();
   }
+}
+
+TEST(CommandLine, ValuesOutOfRangeAreUsedAtTheirLimitsAndSaid) {
+  AppFolder app;
+  TempDir files;
+  // A clip line 1e10 icon boxes wide once kept an export busy for ever.
+  WriteUtf8Text(files / "d.json", R"({"Description":"","Entries":[{"Key":"_BaseIco","IsBaseEntry":true,)"
+                                  R"("ImageIDs":"1","Settings":"{\"ClipExists\":true,\"ClipDX\":1e10,)"
+                                  R"(\"ZoomPercent\":-1e308}"}]})");
+  const std::string out = files / "out";
+  CreateDirectories(out);
+  std::string err;
+  ASSERT_EQ(RunCli({"--app-dir", app.Folder(), "export", "--design-file", files / "d.json", "--out", out,
+                    "--size", "512x512"},
+                   nullptr, &err),
+            0)
+      << err;
+  EXPECT_NE(err.find("2 values of the design were out of range and are used at their limits"),
+            std::string::npos)
+      << err;
+  EXPECT_EQ(FilesIn(out), 1);
+
+  // The user's settings too, once per command.
+  DbConnection cnn = DbConnection::Open(app.Library());
+  ASSERT_TRUE(cnn.Execute(R"(Update Config Set Settings='{"JPGQuality":9999,"Language_ID":2}')"));
+  cnn.Close();
+  ASSERT_EQ(RunCli({"--app-dir", app.Folder(), "design", "list"}, nullptr, &err), 0);
+  EXPECT_NE(err.find("1 value of the settings was out of range and is used at its limit"), std::string::npos)
+      << err;
 }

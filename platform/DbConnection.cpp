@@ -76,7 +76,7 @@ DbConnection DbConnection::Open(const std::string& path, const std::string& /*ke
   }
   c.h_->db = db;
   sqlite3_extended_result_codes(db, 1);
-  sqlite3_busy_timeout(db, 2000);
+  sqlite3_busy_timeout(db, kBusyTimeoutMs);
   return c;
 }
 

@@ -118,7 +118,9 @@ bool UpdateDB(AppContext& app) {
   if (stored >= "1.1.19") return false;
 
   const auto failed = [&] {
-    app.ShowMessage("Error UpdateDB: " + std::to_string(cnn.ErrorNumber()) + " " + cnn.ErrorText());
+    const std::string why = "Error UpdateDB: " + std::to_string(cnn.ErrorNumber()) + " " + cnn.ErrorText();
+    cnn.RollbackTrans();  // nothing open: it changes nothing
+    app.ShowMessage(why);
     return false;
   };
   static const char* const steps[][2] = {
@@ -130,6 +132,10 @@ bool UpdateDB(AppContext& app) {
        "ALTER TABLE ColorFilter ADD COLUMN UseGlobalOpacity Integer Default 0"},
       {"Select Layers from ColorFilter Where 1=0",
        "ALTER TABLE ColorFilter ADD COLUMN Layers Integer Default 0"}};
+  // Probed inside the write: a program that started at the same time and
+  // got there first has added the columns, and they are then not added
+  // twice.
+  if (!cnn.BeginTrans()) return failed();
   bool changed = false;
   for (const auto& step : steps) {
     if (!cnn.Execute(step[0])) {
@@ -139,18 +145,26 @@ bool UpdateDB(AppContext& app) {
     }
     if (cnn.HasError()) return failed();
   }
+  if (!cnn.CommitTrans()) return failed();
   if (!changed) return false;
 
   // The columns are in; a version that cannot be written only means that
   // the next start probes again, so the start goes on after saying so.
   try {
-    if (!cnn.Execute(std::string("CREATE TABLE IF NOT EXISTS ") + kVersionTable + " (Version TEXT)")) {
-      Raise(cnn.ErrorNumber(), cnn.ErrorText(), "UpdateDB");
+    if (!cnn.BeginTrans()) Raise(cnn.ErrorNumber(), cnn.ErrorText(), "UpdateDB");
+    try {
+      if (!cnn.Execute(std::string("CREATE TABLE IF NOT EXISTS ") + kVersionTable + " (Version TEXT)")) {
+        Raise(cnn.ErrorNumber(), cnn.ErrorText(), "UpdateDB");
+      }
+      DbRecordset version = cnn.Query(std::string("Select * From ") + kVersionTable);
+      if (version.Eof()) version.AddNew();
+      version.Fields("Version") = ProgramVersion();
+      version.Update();
+      if (!cnn.CommitTrans()) Raise(cnn.ErrorNumber(), cnn.ErrorText(), "UpdateDB");
+    } catch (const AppError&) {
+      cnn.RollbackTrans();
+      throw;
     }
-    DbRecordset version = cnn.Query(std::string("Select * From ") + kVersionTable);
-    if (version.Eof()) version.AddNew();
-    version.Fields("Version") = ProgramVersion();
-    version.Update();
   } catch (const AppError& e) {
     app.ShowMessage("Error UpdateDB: " + std::to_string(e.Number()) + " " + e.Description());
   }

@@ -27,9 +27,11 @@ int ImportTmpImages(AppContext& app, const std::function<void(int done, int tota
 // DummyID: the first icon of style 1, or 0 when there is none.
 void InitDummyID(AppContext& app);
 
-// Adds the columns that libraries older than 1.1.19 lack. Returns true when
-// the schema changed. Failures are shown through app.ShowMessage and leave
-// the version unwritten; none of them stops the start.
+// Adds the columns that libraries older than 1.1.19 lack, all in one
+// transaction, so that two programs starting at once add each column once.
+// Returns true when the schema changed. Failures are shown through
+// app.ShowMessage and leave the version unwritten; none of them stops the
+// start.
 bool UpdateDB(AppContext& app);
 
 // Writes Database/Quillaron_yyyymmddhhnn.db; returns its path, or "" when

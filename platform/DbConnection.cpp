@@ -158,6 +158,19 @@ int DbConnection::Changes() const {
   return IsOpen() ? sqlite3_changes(h_->db) : 0;
 }
 
+DbFailure DbFailureOf(int errorNumber) {
+  switch (errorNumber & 0xFF) {  // extended codes keep the primary one in the low byte
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      return DbFailure::Busy;
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+      return DbFailure::Damaged;
+    default:
+      return DbFailure::Other;
+  }
+}
+
 std::string SqlText(std::string_view value) {
   std::string out;
   out.reserve(value.size() + 2);

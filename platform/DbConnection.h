@@ -72,6 +72,12 @@ class DbConnection {
   std::shared_ptr<detail::DbHandle> h_;
 };
 
+// What a failure of a statement means for the user: another program holds
+// the lock (past the busy timeout), the file is damaged or no database, or
+// something else, whose text then says what.
+enum class DbFailure { Other, Busy, Damaged };
+DbFailure DbFailureOf(int errorNumber);
+
 // Doubles every "'" so that a text can stand between quotes in a statement:
 // "Name='" + SqlText(name) + "'". NUL characters, which would cut the
 // statement short, are dropped.

@@ -13,6 +13,22 @@ struct AppContext;
 // statement.
 void OpenDatabases(AppContext& app);
 
+// Why the library cannot be used: a key of Texts, the folder or file it is
+// about, and the database's own words or the missing table.
+struct LibraryProblem {
+  std::string Key;  // empty when the library can be used
+  std::string Subject;
+  std::string Reason;
+  explicit operator bool() const { return !Key.empty(); }
+};
+
+// Looks at the application folder, the library file, the database and the
+// tables the program reads, in that order; the first thing wrong is the
+// problem. Another program's lock is waited for up to the busy timeout.
+LibraryProblem CheckLibrary(AppContext& app);
+// The problem behind the error pending on the library connection.
+LibraryProblem LibraryProblemOf(AppContext& app);
+
 // Copies the staged icon batches into Images, one transaction per batch,
 // pumping events after every row, and empties the staging table at the end.
 // A row whose ID is already in Images was copied by an earlier start that

@@ -145,13 +145,14 @@ TEST(Startup, ALibraryThatIsNoDatabaseStopsTheStartAndStaysUntouched) {
   WriteAllBytes(s.folder.Library(), garbage);
   EXPECT_FALSE(StartWithoutWindow(*s.app));
   ASSERT_FALSE(s.messages.empty());
-  EXPECT_EQ(s.messages[0], "OpenDB-Error");
+  EXPECT_EQ(s.messages[0],
+            s.folder.Library() + ": The library is damaged or is not a database (file is not a database)");
   EXPECT_EQ(ReadAllBytes(s.folder.Library()), garbage);
 
   Started m;
   std::filesystem::remove(m.folder.Library());
   EXPECT_FALSE(StartWithoutWindow(*m.app));
-  EXPECT_EQ(m.messages.at(0), "OpenDB-Error");
+  EXPECT_EQ(m.messages.at(0), m.folder.Library() + ": The library database is missing");
   EXPECT_FALSE(FileExists(m.folder.Library()));  // not created behind the user's back
 }
 

@@ -7,8 +7,10 @@
 #include <filesystem>
 #include <functional>
 #include <set>
+#include <sstream>
 #include <thread>
 
+#include "cli/CommandLine.h"
 #include "platform/DbConnection.h"
 #include "platform/DbRecordset.h"
 #include "platform/Files.h"
@@ -114,4 +116,65 @@ TEST(LibraryAccess, AnUpgradeThatAnotherProgramMakesFirstIsNotMadeTwice) {
   finisher.join();
   EXPECT_TRUE(s.messages.empty()) << s.messages.front();
   EXPECT_TRUE(s.app->Cnn.Execute("Select Layers From ColorFilter Where 1=0"));
+}
+
+TEST(LibraryAccess, EachReasonTheLibraryCannotBeUsedIsToldApart) {
+  const auto init = [](const std::string& folder) {
+    std::ostringstream out, err;
+    EXPECT_EQ(RunCommand(ParseCommandLine({"--app-dir", folder, "init"}), out, err), 1) << folder;
+    EXPECT_TRUE(out.str().empty());
+    return err.str();
+  };
+  std::set<std::string> said;
+  const auto expectSaid = [&](const std::string& message, const std::string& subject,
+                              const std::string& what) {
+    EXPECT_EQ(message.rfind(subject + ": ", 0), 0u) << message;
+    EXPECT_NE(message.find(what), std::string::npos) << message;
+    EXPECT_TRUE(said.insert(message.substr(subject.size())).second) << "said before: " << message;
+  };
+
+  AppFolder gone;
+  const std::string nowhere = gone.Folder() + "/nowhere";
+  expectSaid(init(nowhere), nowhere, "The application folder does not exist");
+
+  AppFolder missing;
+  std::filesystem::remove(missing.Library());
+  expectSaid(init(missing.Folder()), missing.Library(), "The library database is missing");
+  EXPECT_FALSE(FileExists(missing.Library()));
+
+  AppFolder text;
+  WriteUtf8Text(text.Library(), "My notes, saved over the library by mistake.\n");
+  expectSaid(init(text.Folder()), text.Library(),
+             "The library is damaged or is not a database (file is not a database)");
+  EXPECT_EQ(ReadAllText(text.Library()), "My notes, saved over the library by mistake.\n");
+
+  AppFolder cut;
+  const Bytes whole = ReadAllBytes(cut.Library());
+  WriteAllBytes(cut.Library(), Bytes(whole.begin(), whole.begin() + whole.size() / 2));
+  expectSaid(init(cut.Folder()), cut.Library(), "The library is damaged or is not a database (database disk");
+
+  AppFolder empty;
+  WriteUtf8Text(empty.Library(), "");
+  expectSaid(init(empty.Folder()), empty.Library(),
+             "The library is damaged or is not a database (the file is empty)");
+
+  AppFolder noImages;
+  ASSERT_TRUE(DbConnection::Open(noImages.Library()).Execute("Drop Table Images"));
+  expectSaid(init(noImages.Folder()), noImages.Library(),
+             "A table the program needs is missing from the library (Images)");
+
+  // A library that can still tell its language is answered in it.
+  ASSERT_TRUE(
+      DbConnection::Open(noImages.Library()).Execute(R"(Update Config Set Settings='{"Language_ID":1}')"));
+  EXPECT_EQ(init(noImages.Folder()),
+            noImages.Library() + ": Der Bibliothek fehlt eine Tabelle, die das Programm braucht (Images)\n");
+
+  AppFolder locked;
+  DbConnection other = DbConnection::Open(locked.Library());
+  ASSERT_TRUE(other.Execute("BEGIN EXCLUSIVE"));
+  expectSaid(init(locked.Folder()), locked.Library(),
+             "Another program is using the library and did not release it in time");
+  ASSERT_TRUE(other.Execute("ROLLBACK"));
+  std::ostringstream out, err;
+  EXPECT_EQ(RunCommand(ParseCommandLine({"--app-dir", locked.Folder(), "init"}), out, err), 0) << err.str();
 }

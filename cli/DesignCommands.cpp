@@ -51,24 +51,42 @@ int Usage(std::ostream& err) {
   return 2;
 }
 
+// Names are stored trimmed, so they are checked trimmed: blanks alone are no name.
+bool NameIsBlank(const std::string& name, const char* what, std::ostream& err) {
+  if (!TrimBlanks(name).empty()) return false;
+  err << "quillaron design: " << what << " is " << (name.empty() ? "empty" : "blank") << "\n";
+  return true;
+}
+
+// Said once a design has been read, when some of its values had to be set
+// to their limits.
+void TellClamped(const DesignFile& design, std::ostream& err) {
+  if (design.Clamped > 0) {
+    err << "quillaron design: " << design.Clamped << " value(s) out of range were set to their limits\n";
+  }
+}
+
 // Writes the design unless a design of that name exists and may not be replaced.
 int Store(AppContext& app, const std::string& given, const DesignFile& design, bool replace,
           std::ostream& out, std::ostream& err) {
-  // The name is stored trimmed, so it is checked trimmed: blanks alone are no name.
   const std::string name(TrimBlanks(given));
-  if (name.empty()) {
-    err << Say(app, "NameMissing") << "\n";
-    return 1;
-  }
+  if (NameIsBlank(given, "the design name", err)) return 1;
   if (FindDesign(app, name) != 0 && !replace) {
     err << name << ": " << Say(app, "NameExists") << " (--replace)\n";
     return 1;
   }
-  const int id = StoreDesign(app, name, design);
+  bool existed = false;
+  const int id = StoreDesign(app, name, design, replace, &existed);
+  if (existed) {
+    err << name
+        << ": another program saved a design of this name just now; nothing was changed (--replace)\n";
+    return 1;
+  }
   if (id == 0) {
     err << Say(app, "SaveError") << ": " << app.Cnn.ErrorText() << "\n";
     return 1;
   }
+  TellClamped(design, err);
   out << name << "\n";
   return 0;
 }
@@ -94,31 +112,40 @@ int RunDesignCommand(AppContext& app, const std::vector<std::string>& in, std::o
   if (a.words.size() < 2) return Usage(err);
 
   if (what == "import-tpl") {
+    if (NameIsBlank(name, "the template file name", err)) return 1;
+    if (a.Has("--name") && NameIsBlank(a.Get("--name"), "the design name", err)) return 1;
     std::optional<DesignFile> design;
+    std::string why;
     try {
-      design = ReadTemplateBytes(ReadAllBytes(name, kMaxDesignFileBytes));
+      design = ReadTemplateBytes(ReadAllBytes(name, kMaxDesignFileBytes), &why);
     } catch (const AppError& e) {
       err << e.Description() << "\n";
       return 1;
     }
     if (!design) {
-      err << name << ": " << Say(app, "InvalidFile") << "\n";
+      err << name << ": " << Say(app, "InvalidFile") << " " << why << "\n";
+      return 1;
+    }
+    if (!a.Has("--name") && TrimBlanks(BaseNameOf(name)).empty()) {
+      err << name << ": the file name gives no design name; give one with --name\n";
       return 1;
     }
     return Store(app, a.Has("--name") ? a.Get("--name") : BaseNameOf(name), *design, a.Has("--replace"), out,
                  err);
   }
+  if (NameIsBlank(name, "the design name", err)) return 1;
   if (what == "save") {
     if (!a.Has("--from")) return Usage(err);
     std::optional<DesignFile> design;
+    std::string why;
     try {
-      design = ReadDesignJson(ReadAllText(a.Get("--from"), kMaxDesignFileBytes));
+      design = ReadDesignJson(ReadAllText(a.Get("--from"), kMaxDesignFileBytes), &why);
     } catch (const AppError& e) {
       err << e.Description() << "\n";
       return 1;
     }
     if (!design) {
-      err << a.Get("--from") << ": " << Say(app, "InvalidFile") << "\n";
+      err << a.Get("--from") << ": " << Say(app, "InvalidFile") << " " << why << "\n";
       return 1;
     }
     return Store(app, name, *design, a.Has("--replace"), out, err);
@@ -129,8 +156,19 @@ int RunDesignCommand(AppContext& app, const std::vector<std::string>& in, std::o
     err << "quillaron: no design is named \"" << name << "\"\n";
     return 1;
   }
+  // The design as the library holds it, its values checked on the way.
+  std::optional<DesignFile> design;
+  if (what == "show" || what == "export-tpl") {
+    try {
+      design = ReadDesign(app, id);
+    } catch (const AppError& e) {
+      err << e.Description() << "\n";
+      return 1;
+    }
+    TellClamped(*design, err);
+  }
   if (what == "show") {
-    out << DesignJson(*ReadDesign(app, id), true) << "\n";
+    out << DesignJson(*design, true) << "\n";
     return 0;
   }
   if (what == "delete") {
@@ -147,8 +185,15 @@ int RunDesignCommand(AppContext& app, const std::vector<std::string>& in, std::o
       err << path << ": " << Say(app, "NameExists") << " (--replace)\n";
       return 1;
     }
+    // Refused here rather than by the import on another machine; the file
+    // is written whole or not at all.
+    if (const std::string why = TemplateProblem(*design); !why.empty()) {
+      err << path << ": not written, the design \"" << design->Name
+          << "\" cannot be imported as it is: " << why << "\n";
+      return 1;
+    }
     try {
-      WriteAllBytes(path, TemplateBytes(*ReadDesign(app, id)));
+      WriteAllBytes(path, TemplateBytes(*design));
     } catch (const AppError& e) {
       err << Say(app, "SaveError") << ": " << e.Description() << "\n";
       return 1;

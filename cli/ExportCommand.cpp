@@ -208,14 +208,19 @@ int RunExportCommand(AppContext& app, const std::vector<std::string>& args, std:
       throw Fail{"give either --design NAME or --design-file FILE"};
     DesignFile design;
     if (has("--design")) {
+      if (TrimBlanks(opt["--design"]).empty()) throw Fail{"the design name is empty"};
       const int id = FindDesign(app, opt["--design"]);
       if (id == 0) throw Fail{"no design is named \"" + opt["--design"] + "\""};
       design = *ReadDesign(app, id);
     } else {
+      std::string why;
       const std::optional<DesignFile> read =
-          ReadDesignJson(ReadAllText(opt["--design-file"], kMaxDesignFileBytes));
-      if (!read) throw Fail{opt["--design-file"] + ": " + Say(app, "InvalidFile")};
+          ReadDesignJson(ReadAllText(opt["--design-file"], kMaxDesignFileBytes), &why);
+      if (!read) throw Fail{opt["--design-file"] + ": " + Say(app, "InvalidFile") + " " + why};
       design = *read;
+    }
+    if (design.Clamped > 0) {
+      err << "quillaron export: " << design.Clamped << " value(s) out of range were set to their limits\n";
     }
     // Other base icons than the design's own become its base entry's icons.
     if (has("--ids") || has("--style") || has("--theme") || has("--search")) {

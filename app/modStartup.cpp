@@ -1,7 +1,6 @@
 #include "app/modStartup.h"
 
 #include "app/AppContext.h"
-#include "platform/ThemePalette.h"
 #include "app/cConfig.h"
 #include "app/modTexts.h"
 #include "engine/cSVGItem.h"
@@ -10,9 +9,51 @@
 #include "platform/Files.h"
 #include "platform/IniFile.h"
 #include "platform/TextUtil.h"
+#include "platform/ThemePalette.h"
 #include "store/modLibrary.h"
 
 namespace qds {
+
+namespace {
+
+// Words for the library's problems when not even the texts can be read
+// (the application folder is missing); they match the English rows.
+constexpr const char* kLibraryWords[][2] = {
+    {"LibraryFolderMissing", "The application folder does not exist"},
+    {"LibraryMissing", "The library database is missing"},
+    {"LibraryDamaged", "The library is damaged or is not a database"},
+    {"LibraryTableMissing", "A table the program needs is missing from the library"},
+    {"LibraryLocked",
+     "Another program is using the library and did not release it in time; please try again "
+     "later"},
+    {"LibraryUnreadable", "The library cannot be opened"}};
+constexpr int kEnglish = 2;
+
+// "<file>: <what is wrong> (<the database's words>)". The language is a
+// setting in the library: a library that lacks some other table can still
+// tell it, one that cannot be read at all is answered in English.
+std::string LibraryMessage(AppContext& app, const LibraryProblem& p) {
+  if (!app.Config) {
+    int language = kEnglish;
+    try {
+      if (p.Key == "LibraryTableMissing") language = cConfig(app.Cnn, app.AppPath).Language_ID();
+    } catch (const AppError&) {
+    }
+    if (language <= 0) language = kEnglish;
+    try {
+      app.rsTexts =
+          app.CnnResources.Query("Select * From Texts where Language_ID = " + std::to_string(language));
+    } catch (const AppError&) {
+    }
+  }
+  std::string words = LanguageText(app, p.Key).Text;
+  for (const auto& w : kLibraryWords) {
+    if (words.empty() && p.Key == w[0]) words = w[1];
+  }
+  return p.Subject + ": " + words + (p.Reason.empty() ? "" : " (" + p.Reason + ")");
+}
+
+}  // namespace
 
 bool InitGlobals(AppContext& app) {
   app.DesignOpacity = 100;
@@ -20,20 +61,27 @@ bool InitGlobals(AppContext& app) {
   app.WorkSurface512 = DrawingSurface::Create(512, 512);
   app.WorkSurface256 = DrawingSurface::Create(256, 256);
 
-  // From here on an error does not stop the steps; the library check below
-  // reads the error state.
+  // What is wrong with the library is told before anything reads it, each
+  // case in words the user can act on.
+  LibraryProblem problem;
   try {
     OpenDatabases(app);
-    app.Config = std::make_unique<cConfig>(app.Cnn, app.AppPath);
-    OpenTexts(app);
+    problem = CheckLibrary(app);
+    if (!problem) {
+      app.Config = std::make_unique<cConfig>(app.Cnn, app.AppPath);
+      OpenTexts(app);
+    }
   } catch (const AppError&) {
   }
-  try {
-    app.Cnn.Query("Select Top 1 ID From Images");
-  } catch (const AppError&) {
+  if (!problem) {
+    try {
+      app.Cnn.Query("Select Top 1 ID From Images");
+    } catch (const AppError&) {
+    }
+    if (app.Cnn.HasError() || !app.Config) problem = LibraryProblemOf(app);
   }
-  if (app.Cnn.HasError() || !app.Config) {
-    app.ShowMessage("OpenDB-Error");
+  if (problem) {
+    app.ShowMessage(LibraryMessage(app, problem));
     return false;
   }
   try {

@@ -13,8 +13,9 @@ namespace qds {
 struct AppContext;
 
 // Objects, connections, settings and texts; then the first-start import and
-// the stand-in icon. False (after "OpenDB-Error" or the import's message)
-// when the library cannot be used.
+// the stand-in icon. False (after a message that names the library and
+// what is wrong with it, or the import's message) when the library cannot
+// be used.
 bool InitGlobals(AppContext& app);
 
 void AddBasePatterns(AppContext& app);

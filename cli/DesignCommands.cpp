@@ -8,6 +8,7 @@
 
 #include "app/AppContext.h"
 #include "app/modTexts.h"
+#include "cli/CommandLine.h"
 #include "cli/CommandOptions.h"
 #include "platform/Error.h"
 #include "platform/Files.h"
@@ -68,24 +69,36 @@ std::optional<CommandArgs> ReadDesignArgs(const std::vector<std::string>& in, st
   return a;
 }
 
+// Names are stored trimmed, so they are checked trimmed: blanks alone are no name.
+bool NameIsBlank(const std::string& name, const char* what, std::ostream& err) {
+  if (!TrimBlanks(name).empty()) return false;
+  err << "quillaron design: " << what << " is " << (name.empty() ? "empty" : "blank") << "\n";
+  return true;
+}
+
 // Writes the design unless a design of that name exists and may not be replaced.
-int Store(AppContext& app, const std::string& given, const DesignFile& design, bool replace,
-          std::ostream& out, std::ostream& err) {
-  // The name is stored trimmed, so it is checked trimmed: blanks alone are no name.
+int Store(AppContext& app, const std::string& given, DesignFile design, bool replace, std::ostream& out,
+          std::ostream& err) {
   const std::string name(TrimBlanks(given));
-  if (name.empty()) {
-    err << Say(app, "NameMissing") << "\n";
-    return 1;
-  }
+  if (NameIsBlank(given, "the design name", err)) return 1;
   if (FindDesign(app, name) != 0 && !replace) {
     err << name << ": " << Say(app, "NameExists") << " (--replace)\n";
     return 1;
   }
-  const int id = StoreDesign(app, name, design);
+  // Stored within their limits, so that every later read finds them there.
+  const int corrected = CorrectDesign(design);
+  bool existed = false;
+  const int id = StoreDesign(app, name, design, replace, &existed);
+  if (existed) {
+    err << name
+        << ": another program saved a design of this name just now; nothing was changed (--replace)\n";
+    return 1;
+  }
   if (id == 0) {
     err << Say(app, "SaveError") << ": " << app.Cnn.ErrorText() << "\n";
     return 1;
   }
+  ReportCorrected(err, corrected, "the design");
   out << name << "\n";
   return 0;
 }
@@ -119,31 +132,40 @@ int RunDesignCommand(AppContext& app, const std::vector<std::string>& in, std::o
   }
 
   if (what == "import-tpl") {
+    if (NameIsBlank(name, "the template file name", err)) return 1;
+    if (a.Has("--name") && NameIsBlank(a.Get("--name"), "the design name", err)) return 1;
     std::optional<DesignFile> design;
+    std::string why;
     try {
-      design = ReadTemplateBytes(ReadAllBytes(name, kMaxDesignFileBytes));
+      design = ReadTemplateBytes(ReadAllBytes(name, kMaxDesignFileBytes), &why);
     } catch (const AppError& e) {
       err << e.Description() << "\n";
       return 1;
     }
     if (!design) {
-      err << name << ": " << Say(app, "InvalidFile") << "\n";
+      err << name << ": " << Say(app, "InvalidFile") << " " << why << "\n";
+      return 1;
+    }
+    if (!a.Has("--name") && TrimBlanks(BaseNameOf(name)).empty()) {
+      err << name << ": the file name gives no design name; give one with --name\n";
       return 1;
     }
     return Store(app, a.Has("--name") ? a.Get("--name") : BaseNameOf(name), *design, a.Has("--replace"), out,
                  err);
   }
+  if (NameIsBlank(name, "the design name", err)) return 1;
   if (what == "save") {
     if (!a.Has("--from")) return Usage(err);
     std::optional<DesignFile> design;
+    std::string why;
     try {
-      design = ReadDesignJson(ReadAllText(a.Get("--from"), kMaxDesignFileBytes));
+      design = ReadDesignJson(ReadAllText(a.Get("--from"), kMaxDesignFileBytes), &why);
     } catch (const AppError& e) {
       err << e.Description() << "\n";
       return 1;
     }
     if (!design) {
-      err << a.Get("--from") << ": " << Say(app, "InvalidFile") << "\n";
+      err << a.Get("--from") << ": " << Say(app, "InvalidFile") << " " << why << "\n";
       return 1;
     }
     return Store(app, name, *design, a.Has("--replace"), out, err);
@@ -154,8 +176,19 @@ int RunDesignCommand(AppContext& app, const std::vector<std::string>& in, std::o
     err << "quillaron: no design is named \"" << name << "\"\n";
     return 1;
   }
+  // The design as the library holds it, its values checked on the way.
+  std::optional<DesignFile> design;
+  if (what == "show" || what == "export-tpl") {
+    try {
+      design = ReadDesign(app, id);
+    } catch (const AppError& e) {
+      err << e.Description() << "\n";
+      return 1;
+    }
+    ReportCorrected(err, CorrectDesign(*design), "the design");
+  }
   if (what == "show") {
-    out << DesignJson(*ReadDesign(app, id), true) << "\n";
+    out << DesignJson(*design, true) << "\n";
     return 0;
   }
   if (what == "delete") {
@@ -172,8 +205,15 @@ int RunDesignCommand(AppContext& app, const std::vector<std::string>& in, std::o
       err << path << ": " << Say(app, "NameExists") << " (--replace)\n";
       return 1;
     }
+    // Refused here rather than by the import on another machine; the file
+    // is written whole or not at all.
+    if (const std::string why = TemplateProblem(*design); !why.empty()) {
+      err << path << ": not written, the design \"" << design->Name
+          << "\" cannot be imported as it is: " << why << "\n";
+      return 1;
+    }
     try {
-      WriteAllBytes(path, TemplateBytes(*ReadDesign(app, id)));
+      WriteAllBytes(path, TemplateBytes(*design));
     } catch (const AppError& e) {
       err << Say(app, "SaveError") << ": " << e.Description() << "\n";
       return 1;

@@ -243,13 +243,15 @@ int RunExportCommand(AppContext& app, const std::vector<std::string>& args, std:
       throw Fail{"give either --design NAME or --design-file FILE"};
     DesignFile design;
     if (has("--design")) {
+      if (TrimBlanks(opt["--design"]).empty()) throw Fail{"the design name is empty"};
       const int id = FindDesign(app, opt["--design"]);
       if (id == 0) throw Fail{"no design is named \"" + opt["--design"] + "\""};
       design = *ReadDesign(app, id);
     } else {
+      std::string why;
       const std::optional<DesignFile> read =
-          ReadDesignJson(ReadAllText(opt["--design-file"], kMaxDesignFileBytes));
-      if (!read) throw Fail{opt["--design-file"] + ": " + Say(app, "InvalidFile")};
+          ReadDesignJson(ReadAllText(opt["--design-file"], kMaxDesignFileBytes), &why);
+      if (!read) throw Fail{opt["--design-file"] + ": " + Say(app, "InvalidFile") + " " + why};
       design = *read;
     }
     // Other base icons than the design's own become its base entry's icons.
@@ -288,7 +290,7 @@ int RunExportCommand(AppContext& app, const std::vector<std::string>& args, std:
       err << "quillaron export: " << loaded.MissingIcons
           << " icon(s) of the design are no longer in the library and show as the stand-in icon\n";
     }
-    ReportCorrected(err, loaded.Corrected, "the design");
+    ReportCorrected(err, design.Clamped + loaded.Corrected, "the design");
     if (loaded.SkippedEntries > 0) {
       err << "quillaron export: " << loaded.SkippedEntries << " layer(s) of the design were left out\n";
     }

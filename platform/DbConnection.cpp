@@ -76,7 +76,7 @@ DbConnection DbConnection::Open(const std::string& path, const std::string& /*ke
   }
   c.h_->db = db;
   sqlite3_extended_result_codes(db, 1);
-  sqlite3_busy_timeout(db, 2000);
+  sqlite3_busy_timeout(db, kBusyTimeoutMs);
   return c;
 }
 
@@ -156,6 +156,19 @@ std::int64_t DbConnection::LastInsertID() const {
 
 int DbConnection::Changes() const {
   return IsOpen() ? sqlite3_changes(h_->db) : 0;
+}
+
+DbFailure DbFailureOf(int errorNumber) {
+  switch (errorNumber & 0xFF) {  // extended codes keep the primary one in the low byte
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      return DbFailure::Busy;
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+      return DbFailure::Damaged;
+    default:
+      return DbFailure::Other;
+  }
 }
 
 std::string SqlText(std::string_view value) {

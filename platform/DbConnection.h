@@ -38,6 +38,9 @@ class DbConnection {
                            DbOpenMode mode = DbOpenMode::ReadWrite);
   // A private database in memory, for tests and scratch work.
   static DbConnection OpenMemory();
+  // How long a statement waits for another program's lock before it fails
+  // with SQLITE_BUSY.
+  static constexpr int kBusyTimeoutMs = 2000;
 
   bool IsOpen() const;
   std::string Path() const;
@@ -45,7 +48,11 @@ class DbConnection {
 
   DbRecordset Query(std::string_view sql);
   bool Execute(std::string_view sql);
-  bool BeginTrans() { return Execute("BEGIN"); }
+  // Every transaction of ours writes, so it takes the write lock at once
+  // and waits its turn (the busy timeout) there. A deferred one that has
+  // read first cannot be upgraded while another program writes: SQLite
+  // answers "database is locked" at once rather than wait into a deadlock.
+  bool BeginTrans() { return Execute("BEGIN IMMEDIATE"); }
   bool CommitTrans() { return Execute("COMMIT"); }
   bool RollbackTrans() { return Execute("ROLLBACK"); }
 
@@ -64,6 +71,12 @@ class DbConnection {
  private:
   std::shared_ptr<detail::DbHandle> h_;
 };
+
+// What a failure of a statement means for the user: another program holds
+// the lock (past the busy timeout), the file is damaged or no database, or
+// something else, whose text then says what.
+enum class DbFailure { Other, Busy, Damaged };
+DbFailure DbFailureOf(int errorNumber);
 
 // Doubles every "'" so that a text can stand between quotes in a statement:
 // "Name='" + SqlText(name) + "'". NUL characters, which would cut the

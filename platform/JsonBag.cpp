@@ -64,16 +64,24 @@ bool JsonBag::Parse(std::string_view text) {
   j_ = Json::object();
   error_.clear();
   if (TooDeep(text)) {
-    error_ = "The settings text is nested too deeply";
+    error_ = "nested more than " + std::to_string(kMaxDepth) + " levels deep";
     return false;
   }
-  Json parsed = Json::parse(text.begin(), text.end(), nullptr, false);
-  if (parsed.is_discarded()) {
-    error_ = "The settings text is not valid JSON";
+  Json parsed;
+  try {
+    parsed = Json::parse(text.begin(), text.end());
+  } catch (const Json::exception& e) {
+    // The parser's own words say where and what: "parse error at line 3,
+    // column 7: syntax error while parsing object - unexpected '}'; ...".
+    std::string why = e.what();
+    const std::size_t tag = why.find("] ");
+    if (why.rfind("[json.exception.", 0) == 0 && tag != std::string::npos) why.erase(0, tag + 2);
+    if (why.rfind("parse error at ", 0) == 0) why.erase(0, 15);
+    error_ = "not valid JSON at " + why;
     return false;
   }
   if (!parsed.is_object()) {
-    error_ = "The settings text is not a JSON object";
+    error_ = std::string("not a JSON object but ") + (parsed.is_array() ? "an array" : "a single value");
     return false;
   }
   j_ = std::move(parsed);

@@ -22,7 +22,9 @@ class JsonBag {
   JsonBag() : j_(Json::object()) {}
 
   // Replaces the content with the parse of `text`. On failure the bag is
-  // left empty and the reason can be read from LastError().
+  // left empty and LastError() says why, for a message that names the text:
+  // "not valid JSON at line 2, column 5: syntax error ...", "not a JSON
+  // object but an array".
   bool Parse(std::string_view text);
   static JsonBag FromText(std::string_view text, bool* ok = nullptr);
   const std::string& LastError() const { return error_; }

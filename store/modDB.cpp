@@ -4,6 +4,7 @@
 #include "engine/modFunctions.h"
 #include "platform/Error.h"
 #include "platform/TextUtil.h"
+#include "store/modTemplates.h"
 
 namespace qds {
 
@@ -15,19 +16,6 @@ Value ChannelValue(const Channel& c) {
 
 Channel ValueChannel(const Value& v) {
   return v.IsEmpty() ? Channel() : Channel(v.AsDouble());
-}
-
-bool EndsWith(const std::string& s, const std::string& suffix) {
-  return s.size() >= suffix.size() && s.compare(s.size() - suffix.size(), suffix.size(), suffix) == 0;
-}
-
-// Layers made by the effect and text tools have no library row of their
-// own: their settings alone define them.
-bool IsGeneratedKey(const std::string& key) {
-  for (const char* kind : {"Text", "Long Shadow", "Wall Shadow", "Mirroring"}) {
-    if (EndsWith(key, kind)) return true;
-  }
-  return false;
 }
 
 SVGItemPtr ItemFromRow(DbRecordset& rs) {
@@ -220,21 +208,12 @@ bool FillLayersFromEntries(AppContext& app, const std::vector<std::string>& cont
   // read leaves the one on screen as it is.
   std::vector<cLayersEntries> entries(contents.size());
   for (std::size_t i = 0; i < contents.size(); ++i) {
-    const std::string where = "layer entry " + std::to_string(i + 1);
-    cLayersEntries& entry = entries[i];
-    if (!entry.setContent(contents[i])) {
-      r.Error = where + " is not a JSON object";
+    const std::string problem = CheckLayerEntry(contents[i], &entries[i]);
+    if (!problem.empty()) {
+      r.Error = "layer entry " + std::to_string(i + 1) + " " + problem;
       return false;
     }
-    r.Corrected += entry.Corrected();
-    if (entry.Key().empty()) {
-      r.Error = where + " has no key";
-      return false;
-    }
-    if (!entry.IsBaseEntry() && !IsGeneratedKey(entry.Key()) && !IsNumericID(Value(entry.ImageIDs()))) {
-      r.Error = where + " (" + entry.Key() + ") names no library icon: \"" + entry.ImageIDs() + "\"";
-      return false;
-    }
+    r.Corrected += entries[i].Corrected();
   }
 
   ItemCollection layers, baseIcons;

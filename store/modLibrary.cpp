@@ -1,10 +1,13 @@
 #include "store/modLibrary.h"
 
 #include <ctime>
+#include <filesystem>
 #include <set>
 
 #include "app/AppContext.h"
 #include "platform/Error.h"
+#include "platform/Files.h"
+#include "platform/TextUtil.h"
 #include "store/LibrarySchema.h"
 
 namespace qds {
@@ -48,6 +51,55 @@ void InOneTransaction(DbConnection& cnn, const std::string& what, Work&& work) {
 }
 
 }  // namespace
+
+namespace {
+
+// The tables every library has had since the first version, and that the
+// start and the saved designs read.
+constexpr const char* kRequiredTables[] = {"Images",        "Styles", "Themes",      "Config",
+                                           "TmpImageBlobs", "Layer",  "LayerEntries"};
+
+LibraryProblem ProblemOf(const std::string& path, int number, std::string text) {
+  // The connection names the file itself when it cannot open it; the
+  // message names it once.
+  const std::string named = "Cannot open the database \"" + path + "\": ";
+  if (text.rfind(named, 0) == 0) text.erase(0, named.size());
+  switch (DbFailureOf(number)) {
+    case DbFailure::Busy:
+      return {"LibraryLocked", path, text};
+    case DbFailure::Damaged:
+      return {"LibraryDamaged", path, text};
+    default:
+      return {"LibraryUnreadable", path, text};
+  }
+}
+
+}  // namespace
+
+LibraryProblem CheckLibrary(AppContext& app) {
+  if (!FolderExists(app.AppPath)) return {"LibraryFolderMissing", app.AppPath, {}};
+  const std::string path = app.PathOf(kLibraryFile);
+  if (!FileExists(path)) return {"LibraryMissing", path, {}};
+  std::error_code ec;
+  // SQLite takes an empty file for an empty database; for the user it is a
+  // library that lost everything.
+  if (std::filesystem::file_size(path, ec) == 0 && !ec) return {"LibraryDamaged", path, "the file is empty"};
+  std::set<std::string> tables;
+  try {
+    DbRecordset rs = app.Cnn.Query("Select Name From sqlite_master Where Type = 'table'");
+    for (; !rs.Eof(); rs.MoveNext()) tables.insert(AsciiLower(rs.FieldValue(0).AsString()));
+  } catch (const AppError&) {
+    return LibraryProblemOf(app);
+  }
+  for (const char* table : kRequiredTables) {
+    if (!tables.count(AsciiLower(table))) return {"LibraryTableMissing", path, table};
+  }
+  return {};
+}
+
+LibraryProblem LibraryProblemOf(AppContext& app) {
+  return ProblemOf(app.PathOf(kLibraryFile), app.Cnn.ErrorNumber(), app.Cnn.ErrorText());
+}
 
 void OpenDatabases(AppContext& app) {
   app.CnnResources = DbConnection::Open(app.PathOf(kResourcesFile), "", DbOpenMode::ReadOnly);
@@ -118,7 +170,9 @@ bool UpdateDB(AppContext& app) {
   if (stored >= "1.1.19") return false;
 
   const auto failed = [&] {
-    app.ShowMessage("Error UpdateDB: " + std::to_string(cnn.ErrorNumber()) + " " + cnn.ErrorText());
+    const std::string why = "Error UpdateDB: " + std::to_string(cnn.ErrorNumber()) + " " + cnn.ErrorText();
+    cnn.RollbackTrans();  // nothing open: it changes nothing
+    app.ShowMessage(why);
     return false;
   };
   static const char* const steps[][2] = {
@@ -130,6 +184,10 @@ bool UpdateDB(AppContext& app) {
        "ALTER TABLE ColorFilter ADD COLUMN UseGlobalOpacity Integer Default 0"},
       {"Select Layers from ColorFilter Where 1=0",
        "ALTER TABLE ColorFilter ADD COLUMN Layers Integer Default 0"}};
+  // Probed inside the write: a program that started at the same time and
+  // got there first has added the columns, and they are then not added
+  // twice.
+  if (!cnn.BeginTrans()) return failed();
   bool changed = false;
   for (const auto& step : steps) {
     if (!cnn.Execute(step[0])) {
@@ -139,18 +197,26 @@ bool UpdateDB(AppContext& app) {
     }
     if (cnn.HasError()) return failed();
   }
+  if (!cnn.CommitTrans()) return failed();
   if (!changed) return false;
 
   // The columns are in; a version that cannot be written only means that
   // the next start probes again, so the start goes on after saying so.
   try {
-    if (!cnn.Execute(std::string("CREATE TABLE IF NOT EXISTS ") + kVersionTable + " (Version TEXT)")) {
-      Raise(cnn.ErrorNumber(), cnn.ErrorText(), "UpdateDB");
+    if (!cnn.BeginTrans()) Raise(cnn.ErrorNumber(), cnn.ErrorText(), "UpdateDB");
+    try {
+      if (!cnn.Execute(std::string("CREATE TABLE IF NOT EXISTS ") + kVersionTable + " (Version TEXT)")) {
+        Raise(cnn.ErrorNumber(), cnn.ErrorText(), "UpdateDB");
+      }
+      DbRecordset version = cnn.Query(std::string("Select * From ") + kVersionTable);
+      if (version.Eof()) version.AddNew();
+      version.Fields("Version") = ProgramVersion();
+      version.Update();
+      if (!cnn.CommitTrans()) Raise(cnn.ErrorNumber(), cnn.ErrorText(), "UpdateDB");
+    } catch (const AppError&) {
+      cnn.RollbackTrans();
+      throw;
     }
-    DbRecordset version = cnn.Query(std::string("Select * From ") + kVersionTable);
-    if (version.Eof()) version.AddNew();
-    version.Fields("Version") = ProgramVersion();
-    version.Update();
   } catch (const AppError& e) {
     app.ShowMessage("Error UpdateDB: " + std::to_string(e.Number()) + " " + e.Description());
   }

@@ -27,6 +27,7 @@ TEST(InitCommand, StartsHeadlessTellsWhatTheLibraryHoldsAndFailsOnABrokenLibrary
 
   WriteUtf8Text(folder.Library(), "not a database");
   EXPECT_EQ(run(&out, &err), 1);
-  EXPECT_NE(err.find("OpenDB-Error"), std::string::npos);
+  EXPECT_NE(err.find(folder.Library() + ": The library is damaged or is not a database"), std::string::npos)
+      << err;
   EXPECT_TRUE(out.empty());
 }

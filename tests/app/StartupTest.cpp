@@ -145,13 +145,14 @@ TEST(Startup, ALibraryThatIsNoDatabaseStopsTheStartAndStaysUntouched) {
   WriteAllBytes(s.folder.Library(), garbage);
   EXPECT_FALSE(StartWithoutWindow(*s.app));
   ASSERT_FALSE(s.messages.empty());
-  EXPECT_EQ(s.messages[0], "OpenDB-Error");
+  EXPECT_EQ(s.messages[0],
+            s.folder.Library() + ": The library is damaged or is not a database (file is not a database)");
   EXPECT_EQ(ReadAllBytes(s.folder.Library()), garbage);
 
   Started m;
   std::filesystem::remove(m.folder.Library());
   EXPECT_FALSE(StartWithoutWindow(*m.app));
-  EXPECT_EQ(m.messages.at(0), "OpenDB-Error");
+  EXPECT_EQ(m.messages.at(0), m.folder.Library() + ": The library database is missing");
   EXPECT_FALSE(FileExists(m.folder.Library()));  // not created behind the user's back
 }
 
@@ -246,7 +247,7 @@ TEST(Startup, AnImportTransactionThatFailsIsUndoneAndSaysWhy) {
 
   // A commit that cannot finish (another program is reading) is undone.
   DbConnection reader = DbConnection::Open(s.folder.Library());
-  ASSERT_TRUE(reader.BeginTrans());
+  ASSERT_TRUE(reader.Execute("BEGIN"));  // a read that holds its lock
   ASSERT_EQ(reader.Query("Select Count(*) From Images").Fields(0).AsLong(), before);
   raisesWith("database is locked");
   ASSERT_TRUE(reader.CommitTrans());

@@ -166,6 +166,17 @@ TEST(CommandLine, ValuesOutOfRangeAreUsedAtTheirLimitsAndSaid) {
             std::string::npos)
       << err;
   EXPECT_EQ(FilesIn(out), 1);
+  // Saved, the design is stored within its limits: later reads find nothing
+  // to correct.
+  ASSERT_EQ(RunCli({"--app-dir", app.Folder(), "design", "save", "wide", "--from", files / "d.json"}, nullptr,
+                   &err),
+            0)
+      << err;
+  EXPECT_NE(err.find("2 values of the design were out of range"), std::string::npos) << err;
+  std::string shown;
+  ASSERT_EQ(RunCli({"--app-dir", app.Folder(), "design", "show", "wide"}, &shown, &err), 0) << err;
+  EXPECT_EQ(err.find("out of range"), std::string::npos) << err;
+  EXPECT_NE(shown.find(R"(\"ClipDX\":2,\"ZoomPercent\":1)"), std::string::npos) << shown;
 
   // The user's settings too, once per command.
   DbConnection cnn = DbConnection::Open(app.Library());

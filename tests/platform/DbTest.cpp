@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <thread>
+
 #include "platform/DbConnection.h"
 #include "platform/DbRecordset.h"
 #include "platform/Error.h"
@@ -193,6 +196,29 @@ TEST(Db, TransactionsCommitOrRollBackAsOne) {
   DbConnection reopened = DbConnection::Open(path, "any key", DbOpenMode::ReadOnly);
   EXPECT_EQ(reopened.Query("Select Count(*) From T").Fields(0).AsLong(), 100);
   EXPECT_FALSE(reopened.Execute("Delete From T"));  // read-only
+}
+
+TEST(Db, AWriterWaitsItsTurnInsteadOfFailingBesideAnother) {
+  TempDir dir;
+  const std::string path = dir / "Library.db";
+  ASSERT_TRUE(DbConnection::Open(path).Execute("CREATE TABLE T (ID INTEGER PRIMARY KEY, Name TEXT)"));
+  DbConnection first = DbConnection::Open(path), second = DbConnection::Open(path);
+  ASSERT_TRUE(first.BeginTrans());
+  ASSERT_TRUE(first.Execute("Insert Into T (Name) Values ('first')"));
+  std::thread finisher([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    first.CommitTrans();
+  });
+  // The second reads before it writes, as a save does; it waits for the
+  // first rather than fail, well within the busy timeout.
+  const bool begun = second.BeginTrans();
+  const long long before = second.Query("Select Count(*) From T").Fields(0).AsLong();
+  const bool wrote = second.Execute("Insert Into T (Name) Values ('second')");
+  const bool committed = second.CommitTrans();
+  finisher.join();
+  EXPECT_TRUE(begun && wrote && committed) << second.ErrorText();
+  EXPECT_EQ(before, 1);
+  EXPECT_EQ(second.Query("Select Count(*) From T").Fields(0).AsLong(), 2);
 }
 
 TEST(Db, RecordsetsSerialiseForStagingAndRefuseDamagedBytes) {

@@ -170,7 +170,7 @@ TEST_F(Design, DamagedFilesAreInvalidAndWriteNothing) {
   Collection old(KeyMode::AllowDuplicates);
   old.Add(Value(Bytes()), "Image");
   old.Add(Value("old"), "Description");
-  old.Add(Value(R"({"Key":"1"})"), "Content");
+  old.Add(Value(R"({"Key":"1","ImageIDs":"1"})"), "Content");
   const auto oldRead = ReadTemplateBytes(SerializeCollection(old));
   ASSERT_TRUE(oldRead);
   EXPECT_EQ(oldRead->Opacity, 100);
@@ -183,6 +183,159 @@ TEST_F(Design, DamagedFilesAreInvalidAndWriteNothing) {
   }
   EXPECT_TRUE(ReadDesignJson(R"({"Description":"","Entries":[]})"));
   EXPECT_EQ(s.Count("Select Count(*) From Layer"), 1);
+
+  // Each refusal says where and why.
+  const auto whyJson = [](const std::string& text) {
+    std::string why;
+    EXPECT_FALSE(ReadDesignJson(text, &why)) << text;
+    return why;
+  };
+  const std::string base = R"({"Key":"_BaseIco","IsBaseEntry":true,"ImageIDs":"12"})";
+  for (const auto& [text, said] : std::vector<std::pair<std::string, std::string>>{
+           {"{\n  \"Description\": \"x\",\n  \"Entries\": [,]\n}", "not valid JSON at line 3, column 15"},
+           {"[]", "not a JSON object but an array"},
+           {R"({"Description":"x"})", "Entries is missing"},
+           {R"({"Description":"x","Entries":{}})", "Entries is not a list"},
+           {R"({"Entries":[]})", "Description is missing"},
+           {R"({"Description":"x","Entries":[)" + base + "," + base + ",7]}", "Entries[2] is not an object"},
+           {R"({"Description":"x","Entries":[{}]})", "Entries[0] has no key"},
+           {R"({"Description":"x","Entries":[{"Key":"5","ImageIDs":"5","Settings":"[1]"}]})",
+            "Entries[0] (5) has settings that are not a JSON object but an array"},
+           {R"({"Description":"x","Entries":[{"Key":"5","ImageIDs":"5","Settings":"{\"Pos\":"}]})",
+            "Entries[0] (5) has settings that are not valid JSON at line 1, column 8"},
+           {R"({"Description":"x","Entries":[{"Key":"_BaseIco","IsBaseEntry":true,"ImageIDs":"12,x"}]})",
+            "Entries[0] (_BaseIco) has an icon ID that is not a whole number: \"x\""},
+           {R"({"Description":"x","Opacity":"half","Entries":[]})", "Opacity is not a number but \"half\""},
+           {R"({"Description":"x","UseOpacity":[],"Entries":[]})", "UseOpacity is not true or false"},
+           {R"({"Description":7,"Entries":[]})", "Description is not a text"}}) {
+    EXPECT_NE(whyJson(text).find(said), std::string::npos) << whyJson(text) << "\n  for: " << text;
+  }
+  std::string why;
+  EXPECT_FALSE(ReadTemplateBytes(Bytes(tpl.begin(), tpl.begin() + tpl.size() / 2), &why));
+  EXPECT_NE(why.find("not a template: Damaged collection"), std::string::npos) << why;
+  EXPECT_FALSE(ReadTemplateBytes(TemplateBytes(odd), &why));
+  EXPECT_EQ(why, "layer entry 1 is not a JSON object but an array");
+  EXPECT_FALSE(ReadTemplateBytes(TemplateBytes(empty), &why));
+  EXPECT_NE(why.find("no layer entries"), std::string::npos) << why;
+}
+
+TEST_F(Design, ValuesOutOfRangeAreSetToTheirLimitsAndTheUserIsTold) {
+  TempDir files;
+  const auto run = [&](std::vector<std::string> args, std::string* err) {
+    args.insert(args.begin(), {"--app-dir", s.folder.Folder()});
+    std::ostringstream o, e;
+    const int rc = RunCommand(ParseCommandLine(args), o, e);
+    *err = e.str();
+    return rc;
+  };
+  const std::string told = "1 value of the design was out of range and is used at its limit";
+  const std::string star = std::to_string(IdOf("star"));
+  DesignFile d;
+  d.Contents = {R"({"Key":"_BaseIco","IsBaseEntry":true,"ImageIDs":")" + star + R"(","Settings":"{}"})"};
+
+  // A template whose opacity is the largest int64 was read as -1.
+  Collection c(KeyMode::AllowDuplicates);
+  c.Add(Value(Bytes()), "Image");
+  c.Add(Value(""), "Description");
+  c.Add(Value(static_cast<long long>(INT64_MAX)), "Opacity");
+  c.Add(Value(true), "UseOpacity");
+  c.Add(Value(d.Contents[0]), "Content");
+  WriteAllBytes(files / "max.tpl", SerializeCollection(c));
+  std::string err;
+  ASSERT_EQ(run({"design", "import-tpl", files / "max.tpl"}, &err), 0) << err;
+  EXPECT_NE(err.find(told), std::string::npos) << err;
+  EXPECT_EQ(s.Count("Select Opacity From Layer Where Name = 'max'"), 100);
+
+  for (const auto& [opacity, expected, clamped] :
+       std::vector<std::tuple<std::string, int, int>>{{"-50", 0, 1},
+                                                      {"1e300", 100, 1},
+                                                      {"99.6", 100, 0},
+                                                      {"100.4", 100, 1},
+                                                      {"null", 100, 0},
+                                                      {"0", 0, 0}}) {
+    std::string why;
+    const auto read = ReadDesignJson(R"({"Description":"","Opacity":)" + opacity + R"(,"Entries":[]})", &why);
+    ASSERT_TRUE(read) << why;
+    EXPECT_EQ(read->Opacity, expected) << opacity;
+    EXPECT_EQ(read->Clamped, clamped) << opacity;
+  }
+
+  // A row of the library out of range is exported at its limit, not as a
+  // negative opacity.
+  ASSERT_GT(StoreDesign(*s.app, "Faded", d), 0);
+  ASSERT_TRUE(s.app->Cnn.Execute("Update Layer Set Opacity = -50, UseOpacity = -1 Where Name = 'Faded'"));
+  const std::optional<DesignFile> row = ReadDesign(*s.app, FindDesign(*s.app, "Faded"));
+  ASSERT_TRUE(row);
+  EXPECT_EQ(row->Opacity, 0);
+  EXPECT_TRUE(row->UseOpacity);
+  EXPECT_EQ(row->Clamped, 1);
+  CreateDirectories(files / "out");
+  ASSERT_EQ(run({"export", "--design", "Faded", "--format", "SVG", "--out", files / "out"}, &err), 0) << err;
+  EXPECT_NE(err.find(told), std::string::npos) << err;
+  const std::string svg = ReadAllText(files / "out/star_256.svg");
+  EXPECT_EQ(svg.find("opacity=\"-"), std::string::npos);
+  ASSERT_EQ(run({"design", "show", "faded"}, &err), 0);
+  EXPECT_NE(err.find(told), std::string::npos) << err;
+
+  // A value of the wrong kind is no number to clamp: the design says so.
+  ASSERT_TRUE(s.app->Cnn.Execute("Update Layer Set Opacity = 'half' Where Name = 'Faded'"));
+  EXPECT_EQ(run({"design", "export-tpl", "Faded", "--out", files / "f.tpl"}, &err), 1);
+  EXPECT_NE(err.find("\"Faded\""), std::string::npos) << err;
+  EXPECT_NE(err.find("Opacity is not a number but \"half\""), std::string::npos) << err;
+  EXPECT_FALSE(FileExists(files / "f.tpl"));
+}
+
+TEST_F(Design, ATemplateThatImportWouldRefuseIsNotWritten) {
+  TempDir files;
+  const auto run = [&](std::vector<std::string> args, std::string* err) {
+    args.insert(args.begin(), {"--app-dir", s.folder.Folder(), "design"});
+    std::ostringstream o, e;
+    const int rc = RunCommand(ParseCommandLine(args), o, e);
+    *err = e.str();
+    return rc;
+  };
+  const std::string star = std::to_string(IdOf("star")), lock = std::to_string(IdOf("lock"));
+  DesignFile d;
+  d.Contents = {R"({"Key":")" + lock + R"(","ImageIDs":")" + lock + R"(","Settings":"{\"Pos\":5}"})",
+                R"({"Key":"_BaseIco","IsBaseEntry":true,"ImageIDs":")" + star + R"(","Settings":"{}"})"};
+  const int id = StoreDesign(*s.app, "Damaged", d);
+  ASSERT_GT(id, 0);
+  const std::string target = files / "d.tpl";
+  WriteUtf8Text(target, "an older export, kept");
+  const auto damage = [&](int ordIndex, const std::string& content) {
+    ASSERT_TRUE(s.app->Cnn.Execute("Update LayerEntries Set Content = '" + SqlText(content) +
+                                   "' Where Layer_ID = " + std::to_string(id) +
+                                   " And OrdIndex = " + std::to_string(ordIndex)));
+  };
+  std::string err;
+  for (const auto& [ordIndex, content, said] : std::vector<std::tuple<int, std::string, std::string>>{
+           {1, R"({"Key":"_BaseIco","IsBaseEntry":true,"ImageIDs":")" + star + R"(,abc"})",
+            "layer entry 2 (_BaseIco) has an icon ID that is not a whole number: \"abc\""},
+           {0, R"({"Key":")" + lock + R"(","ImageIDs":")" + lock + R"(","Settings":"Pos=5"})",
+            "layer entry 1 (" + lock + ") has settings that are not valid JSON at line 1, column 1"},
+           {0, R"({"Key":")" + lock + R"(","ImageIDs":"lock"})",
+            "layer entry 1 (" + lock + ") names no library icon"},
+           {0, R"({"Key":)", "layer entry 1 is not valid JSON at line 1, column 8"}}) {
+    damage(ordIndex, content);
+    EXPECT_EQ(run({"export-tpl", "Damaged", "--out", target, "--replace"}, &err), 1) << said;
+    EXPECT_NE(err.find(said), std::string::npos) << err;
+    EXPECT_NE(err.find(target + ": not written"), std::string::npos) << err;
+    EXPECT_EQ(ReadAllText(target), "an older export, kept");
+  }
+  EXPECT_EQ(ListFolder(files.Path(), "*"),
+            std::vector<std::string>{"d.tpl"});  // no half-written file beside it
+  // Shown, the damaged entry is the text it is, not an empty layer.
+  std::ostringstream shown, ignored;
+  ASSERT_EQ(RunCommand(ParseCommandLine({"--app-dir", s.folder.Folder(), "design", "show", "Damaged"}), shown,
+                       ignored),
+            0);
+  EXPECT_NE(shown.str().find(R"("{\"Key\":")"), std::string::npos) << shown.str();
+
+  // Once repaired it travels, and the import takes what the export wrote.
+  damage(0, d.Contents[0]);
+  damage(1, d.Contents[1]);
+  ASSERT_EQ(run({"export-tpl", "Damaged", "--out", target, "--replace"}, &err), 0) << err;
+  ASSERT_EQ(run({"import-tpl", target, "--name", "Repaired"}, &err), 0) << err;
 }
 
 TEST_F(Design, TheCommandLineListsShowsSavesExportsImportsAndDeletes) {
@@ -212,6 +365,12 @@ TEST_F(Design, TheCommandLineListsShowsSavesExportsImportsAndDeletes) {
   ASSERT_EQ(run({"save", "SCRIPT'S", "--from", files / "d.json", "--replace"}), 0);
   ASSERT_EQ(run({"list"}, &out), 0);
   EXPECT_EQ(out, "SCRIPT'S\n");
+  // The name is looked for again inside the write, where no other program
+  // can take it meanwhile: without leave to replace, nothing changes.
+  bool existed = false;
+  EXPECT_EQ(StoreDesign(*s.app, "script's", DesignFile{}, false, &existed), 0);
+  EXPECT_TRUE(existed);
+  EXPECT_EQ(s.Count("Select Count(*) From LayerEntries"), 1);
 
   ASSERT_EQ(run({"show", "script's"}, &out), 0);
   EXPECT_NE(out.find("\"Description\": \"from a script\""), std::string::npos) << out;
@@ -377,17 +536,26 @@ TEST_F(Design, BlankNamesAndWildcardsAreTakenAsTyped) {
     return rc;
   };
   const std::string star = std::to_string(IdOf("star")), lock = std::to_string(IdOf("lock"));
+  std::string err;
   WriteUtf8Text(files / "d.json", R"({"Description":"","Entries":[{"Key":"_BaseIco","IsBaseEntry":true,)"
                                   R"("ImageIDs":")" +
                                       star + R"(","Settings":"{}","ColorFilter":-1}]})");
-  EXPECT_EQ(run({"design", "save", "   ", "--from", files / "d.json"}), 1);
+  EXPECT_EQ(run({"design", "save", "   ", "--from", files / "d.json"}, &err), 1);
+  EXPECT_EQ(err, "quillaron design: the design name is blank\n");
+  for (const std::vector<std::string>& args :
+       {std::vector<std::string>{"design", "save", "", "--from", files / "d.json"},
+        std::vector<std::string>{"design", "show", ""}, std::vector<std::string>{"design", "delete", ""},
+        std::vector<std::string>{"design", "export-tpl", "", "--out", files / "x.tpl"},
+        std::vector<std::string>{"design", "import-tpl", files / "x.tpl", "--name", ""}}) {
+    EXPECT_EQ(run(args, &err), 1) << args[1];
+    EXPECT_EQ(err, "quillaron design: the design name is empty\n") << args[1];
+  }
   EXPECT_EQ(s.Count("Select Count(*) From Layer"), 0);
   ASSERT_EQ(run({"design", "save", "  d1 ", "--from", files / "d.json"}), 0);
   EXPECT_EQ(s.Count("Select Count(*) From Layer Where Name = 'd1'"), 1);
 
   // "%" and "_" are looked for as characters, not as patterns.
   CreateDirectories(files / "out");
-  std::string err;
   for (const char* wildcard : {"%", "st_r", "s%r"}) {
     EXPECT_EQ(run({"export", "--design", "d1", "--out", files / "out", "--search", wildcard}, &err), 1)
         << wildcard;

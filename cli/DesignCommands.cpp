@@ -61,7 +61,7 @@ int Store(AppContext& app, const std::string& given, const DesignFile& design, b
     return 1;
   }
   if (FindDesign(app, name) != 0 && !replace) {
-    err << name << ": " << Say(app, "NameExists") << " (--replace)\n";
+    err << "a design named \"" << name << "\" exists; add --replace to overwrite it\n";
     return 1;
   }
   const int id = StoreDesign(app, name, design);
@@ -144,7 +144,7 @@ int RunDesignCommand(AppContext& app, const std::vector<std::string>& in, std::o
     const std::string path = a.Get("--out");
     if (path.empty()) return Usage(err);
     if (FileExists(path) && !a.Has("--replace")) {
-      err << path << ": " << Say(app, "NameExists") << " (--replace)\n";
+      err << path << ": the file exists; add --replace to overwrite it\n";
       return 1;
     }
     try {

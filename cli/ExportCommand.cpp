@@ -203,6 +203,8 @@ int RunExportCommand(AppContext& app, const std::vector<std::string>& args, std:
     o.CreateFolderFormat = has("--folder-per-format");
     o.CreateFolderSize = has("--folder-per-size");
     o.ColorsinPerc = has("--percent-colours");
+    if (o.Folder.empty()) throw Fail{"--out is empty: give the folder to write to"};
+    if (FileExists(o.Folder)) throw Fail{"--out " + o.Folder + " is a file, not a folder"};
     if (!FolderExists(o.Folder)) {
       err << o.Folder << ": " << Say(app, "FolderMissing") << "\n";
       return 1;

@@ -711,3 +711,44 @@ TEST_F(Export, IconsOfOneNameInOneRunAreToldApartFromFilesThatExisted) {
             std::string::npos)
       << se.str();
 }
+
+TEST_F(Export, TheCommandLineNamesTheValueAndTheReasonOfWhatIsWrong) {
+  const std::string lock = LibraryLayer(*s.app, "lock", "Flat")->ID().AsString();
+  const auto design = [&](const std::string& settings) {
+    WriteUtf8Text(out / "d.json",
+                  R"({"Description":"","Entries":[{"Key":"_BaseIco","IsBaseEntry":true,"ImageIDs":")" + lock +
+                      R"(","Settings":")" + settings + R"("}]})");
+  };
+  design("{}");
+  CreateDirectories(out / "files");
+  const auto run = [&](std::vector<std::string> args, std::string& text) {
+    args.insert(args.begin(), {"--app-dir", s.folder.Folder()});
+    std::ostringstream o, e;
+    const int rc = RunCommand(ParseCommandLine(args), o, e);
+    text = e.str();
+    return rc;
+  };
+  std::string text;
+  EXPECT_EQ(run({"export", "--design-file", out / "d.json", "--out", ""}, text), 1);
+  EXPECT_EQ(text, "quillaron export: --out is empty: give the folder to write to\n");
+  EXPECT_EQ(run({"export", "--design-file", out / "d.json", "--out", out / "d.json"}, text), 1);
+  EXPECT_EQ(text, "quillaron export: --out " + out / "d.json" + " is a file, not a folder\n");
+  // A setting far out of range stops the run at the first file, naming it.
+  design(R"({\"Opacity\":1e300})");
+  EXPECT_EQ(run({"export", "--design-file", out / "d.json", "--out", out / "files", "--size", "16x16"}, text),
+            1);
+  EXPECT_EQ(text,
+            "quillaron export: " + out / "files/lock_16.png" +
+                ": the layer \"_BaseIco\" cannot be drawn: 1e+300 is beyond the range of whole numbers\n");
+  EXPECT_EQ(FilesIn(out / "files"), 0);
+
+  design("{}");
+  ASSERT_EQ(run({"design", "save", "mine", "--from", out / "d.json"}, text), 0) << text;
+  EXPECT_EQ(run({"design", "save", "mine", "--from", out / "d.json"}, text), 1);
+  EXPECT_EQ(text, "a design named \"mine\" exists; add --replace to overwrite it\n");
+  WriteAllBytes(out / "mine.tpl", Bytes{1});
+  EXPECT_EQ(run({"design", "export-tpl", "mine", "--out", out / "mine.tpl"}, text), 1);
+  EXPECT_EQ(text, out / "mine.tpl" + ": the file exists; add --replace to overwrite it\n");
+  EXPECT_EQ(run({"design", "export-tpl", "mine", "--out", out / "no folder/mine.tpl"}, text), 1);
+  EXPECT_EQ(text, "Error while saving: " + out / "no folder/: No such file or directory\n");
+}

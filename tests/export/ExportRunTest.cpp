@@ -115,6 +115,24 @@ int FilesIn(const std::string& folder) {
   return n;
 }
 
+// A design file whose base layer holds the library icons `ids`.
+void WriteDesign(const std::string& path, const std::string& ids, const std::string& settings = "{}") {
+  WriteUtf8Text(path, R"({"Description":"","Entries":[{"Key":"_BaseIco","IsBaseEntry":true,"ImageIDs":")" +
+                          ids + R"(","Settings":")" + settings + R"("}]})");
+}
+
+struct Cli {
+  int rc;
+  std::string out, err;
+};
+
+Cli RunCli(const StartedApp& s, std::vector<std::string> args) {
+  args.insert(args.begin(), {"--app-dir", s.folder.Folder()});
+  std::ostringstream o, e;
+  const int rc = RunCommand(ParseCommandLine(args), o, e);
+  return {rc, o.str(), e.str()};
+}
+
 }  // namespace
 
 TEST_F(Export, ThreeBaseIconsTimesTwoOverlaysInOrderWithTheirNames) {
@@ -269,18 +287,14 @@ TEST_F(Export, AMissingFolderStopsTheRunAndAFolderInTheWayFailsOnlyItsFile) {
   EXPECT_EQ(FilesIn(out.Path()), 3) << "a temporary file was left";
 
   // The command line says so in its summary and fails.
-  WriteUtf8Text(out / "d.json",
-                R"({"Description":"","Entries":[{"Key":"_BaseIco","IsBaseEntry":true,"ImageIDs":")" +
-                    s.app->BaseIcons.Item(1)->ID().AsString() + R"(","Settings":"{}"}]})");
-  std::ostringstream so, se;
-  EXPECT_EQ(RunCommand(ParseCommandLine({"--app-dir", s.folder.Folder(), "export", "--design-file",
-                                         out / "d.json", "--out", out.Path(), "--size", "16x16"}),
-                       so, se),
-            1);
-  EXPECT_NE(so.str().find("0 files written, 0 skipped (existed), 1 failed"), std::string::npos) << so.str();
-  EXPECT_NE(se.str().find("quillaron export: " + out / "lock_16.png: a folder has this name\n"),
+  WriteDesign(out / "d.json", s.app->BaseIcons.Item(1)->ID().AsString());
+  const Cli cli =
+      RunCli(s, {"export", "--design-file", out / "d.json", "--out", out.Path(), "--size", "16x16"});
+  EXPECT_EQ(cli.rc, 1);
+  EXPECT_NE(cli.out.find("0 files written, 0 skipped (existed), 1 failed"), std::string::npos) << cli.out;
+  EXPECT_NE(cli.err.find("quillaron export: " + out / "lock_16.png: a folder has this name\n"),
             std::string::npos)
-      << se.str();
+      << cli.err;
 }
 
 TEST_F(Export, TheCommandLineExportsADesignFileInEveryFormat) {
@@ -481,11 +495,8 @@ int FilesBelow(const std::string& folder) {
 }  // namespace
 
 TEST_F(Export, NoNameLeadsOutOfTheOutputFolder) {
-  const std::string lock = LibraryLayer(*s.app, "lock", "Flat")->ID().AsString();
   TempDir files;
-  const std::string design = files / "d.json";
-  WriteUtf8Text(design, R"({"Description":"","Entries":[{"Key":"_BaseIco","IsBaseEntry":true,"ImageIDs":")" +
-                            lock + R"(","Settings":"{}"}]})");
+  WriteDesign(files / "d.json", LibraryLayer(*s.app, "lock", "Flat")->ID().AsString());
   CreateDirectories(out / "a/b");
   for (const std::vector<std::string>& bad : {std::vector<std::string>{"--prefix", "../ESCAPED"},
                                               {"--name", "../../X"},
@@ -493,15 +504,13 @@ TEST_F(Export, NoNameLeadsOutOfTheOutputFolder) {
                                               {"--ext", "../.."},
                                               {"--delimiter", "/"},
                                               {"--prefix", "."}}) {
-    std::vector<std::string> args = {"--app-dir", s.folder.Folder(), "export",   "--design-file",
-                                     design,      "--out",           out / "a/b"};
-    args.insert(args.end(), bad.begin(), bad.end());
-    std::ostringstream o, e;
-    EXPECT_EQ(RunCommand(ParseCommandLine(args), o, e), 1) << bad[1];
+    const Cli cli =
+        RunCli(s, {"export", "--design-file", files / "d.json", "--out", out / "a/b", bad[0], bad[1]});
+    EXPECT_EQ(cli.rc, 1) << bad[1];
     EXPECT_NE(
-        e.str().find("quillaron export: " + bad[0] + " \"" + bad[1] + "\": a part of a file name must not"),
+        cli.err.find("quillaron export: " + bad[0] + " \"" + bad[1] + "\": a part of a file name must not"),
         std::string::npos)
-        << e.str();
+        << cli.err;
   }
   EXPECT_EQ(FilesBelow(out.Path()), 0);
 
@@ -524,11 +533,8 @@ TEST_F(Export, NoNameLeadsOutOfTheOutputFolder) {
 }
 
 TEST_F(Export, ParallelRunsIntoOneFolderWriteExactlyTheFilesTheyReport) {
-  const std::string lock = LibraryLayer(*s.app, "lock", "Flat")->ID().AsString();
   TempDir logs;
-  WriteUtf8Text(logs / "d.json",
-                R"({"Description":"","Entries":[{"Key":"_BaseIco","IsBaseEntry":true,"ImageIDs":")" + lock +
-                    R"(","Settings":"{}"}]})");
+  WriteDesign(logs / "d.json", LibraryLayer(*s.app, "lock", "Flat")->ID().AsString());
   // Three runs over the same fifty names, started at the same moment.
   const auto race = [&](const std::string& folder, const std::vector<std::string>& extra) {
     CreateDirectories(folder);
@@ -567,11 +573,8 @@ TEST_F(Export, ParallelRunsIntoOneFolderWriteExactlyTheFilesTheyReport) {
 }
 
 TEST_F(Export, AKilledRunLeavesNoHiddenFilesAndTheLongestNamesAreWritten) {
-  const std::string lock = LibraryLayer(*s.app, "lock", "Flat")->ID().AsString();
   TempDir logs;
-  WriteUtf8Text(logs / "d.json",
-                R"({"Description":"","Entries":[{"Key":"_BaseIco","IsBaseEntry":true,"ImageIDs":")" + lock +
-                    R"(","Settings":"{}"}]})");
+  WriteDesign(logs / "d.json", LibraryLayer(*s.app, "lock", "Flat")->ID().AsString());
   // Every name that appears in the folder while the run writes is seen.
   const int watch = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
   ASSERT_GE(watch, 0);
@@ -693,62 +696,47 @@ TEST_F(Export, IconsOfOneNameInOneRunAreToldApartFromFilesThatExisted) {
   const std::string ids = s.app->BaseIcons.Item(0)->ID().AsString() + "," +
                           s.app->BaseIcons.Item(1)->ID().AsString() + "," +
                           s.app->BaseIcons.Item(2)->ID().AsString();
-  WriteUtf8Text(out / "d.json",
-                R"({"Description":"","Entries":[{"Key":"_BaseIco","IsBaseEntry":true,"ImageIDs":")" + ids +
-                    R"(","Settings":"{}"}]})");
+  WriteDesign(out / "d.json", ids);
   CreateDirectories(out / "cli");
   WriteAllBytes(out / "cli/star_32.png", Bytes{1});
-  std::ostringstream so, se;
-  EXPECT_EQ(RunCommand(ParseCommandLine({"--app-dir", s.folder.Folder(), "export", "--design-file",
-                                         out / "d.json", "--out", out / "cli", "--size", "32x32"}),
-                       so, se),
-            0);
-  EXPECT_NE(so.str().find("1 files written, 1 skipped (existed), 1 name collisions within this run"),
+  const Cli cli =
+      RunCli(s, {"export", "--design-file", out / "d.json", "--out", out / "cli", "--size", "32x32"});
+  EXPECT_EQ(cli.rc, 0);
+  EXPECT_NE(cli.out.find("1 files written, 1 skipped (existed), 1 name collisions within this run"),
             std::string::npos)
-      << so.str();
-  EXPECT_NE(se.str().find(
-                "add --rename-duplicates, or export each style or theme on its own with its own --prefix"),
-            std::string::npos)
-      << se.str();
+      << cli.out;
+  EXPECT_NE(
+      cli.err.find("add --rename-duplicates, or export each style or theme on its own with its own --prefix"),
+      std::string::npos)
+      << cli.err;
 }
 
 TEST_F(Export, TheCommandLineNamesTheValueAndTheReasonOfWhatIsWrong) {
   const std::string lock = LibraryLayer(*s.app, "lock", "Flat")->ID().AsString();
-  const auto design = [&](const std::string& settings) {
-    WriteUtf8Text(out / "d.json",
-                  R"({"Description":"","Entries":[{"Key":"_BaseIco","IsBaseEntry":true,"ImageIDs":")" + lock +
-                      R"(","Settings":")" + settings + R"("}]})");
-  };
-  design("{}");
+  const std::string design = out / "d.json";
+  WriteDesign(design, lock);
   CreateDirectories(out / "files");
-  const auto run = [&](std::vector<std::string> args, std::string& text) {
-    args.insert(args.begin(), {"--app-dir", s.folder.Folder()});
-    std::ostringstream o, e;
-    const int rc = RunCommand(ParseCommandLine(args), o, e);
-    text = e.str();
-    return rc;
-  };
-  std::string text;
-  EXPECT_EQ(run({"export", "--design-file", out / "d.json", "--out", ""}, text), 1);
-  EXPECT_EQ(text, "quillaron export: --out is empty: give the folder to write to\n");
-  EXPECT_EQ(run({"export", "--design-file", out / "d.json", "--out", out / "d.json"}, text), 1);
-  EXPECT_EQ(text, "quillaron export: --out " + out / "d.json" + " is a file, not a folder\n");
+  EXPECT_EQ(RunCli(s, {"export", "--design-file", design, "--out", ""}).err,
+            "quillaron export: --out is empty: give the folder to write to\n");
+  EXPECT_EQ(RunCli(s, {"export", "--design-file", design, "--out", design}).err,
+            "quillaron export: --out " + design + " is a file, not a folder\n");
   // A setting far out of range stops the run at the first file, naming it.
-  design(R"({\"Opacity\":1e300})");
-  EXPECT_EQ(run({"export", "--design-file", out / "d.json", "--out", out / "files", "--size", "16x16"}, text),
-            1);
-  EXPECT_EQ(text,
+  WriteDesign(design, lock, R"({\"Opacity\":1e300})");
+  Cli cli = RunCli(s, {"export", "--design-file", design, "--out", out / "files", "--size", "16x16"});
+  EXPECT_EQ(cli.rc, 1);
+  EXPECT_EQ(cli.err,
             "quillaron export: " + out / "files/lock_16.png" +
                 ": the layer \"_BaseIco\" cannot be drawn: 1e+300 is beyond the range of whole numbers\n");
   EXPECT_EQ(FilesIn(out / "files"), 0);
 
-  design("{}");
-  ASSERT_EQ(run({"design", "save", "mine", "--from", out / "d.json"}, text), 0) << text;
-  EXPECT_EQ(run({"design", "save", "mine", "--from", out / "d.json"}, text), 1);
-  EXPECT_EQ(text, "a design named \"mine\" exists; add --replace to overwrite it\n");
+  WriteDesign(design, lock);
+  ASSERT_EQ(RunCli(s, {"design", "save", "mine", "--from", design}).rc, 0);
+  EXPECT_EQ(RunCli(s, {"design", "save", "mine", "--from", design}).err,
+            "a design named \"mine\" exists; add --replace to overwrite it\n");
   WriteAllBytes(out / "mine.tpl", Bytes{1});
-  EXPECT_EQ(run({"design", "export-tpl", "mine", "--out", out / "mine.tpl"}, text), 1);
-  EXPECT_EQ(text, out / "mine.tpl" + ": the file exists; add --replace to overwrite it\n");
-  EXPECT_EQ(run({"design", "export-tpl", "mine", "--out", out / "no folder/mine.tpl"}, text), 1);
-  EXPECT_EQ(text, "Error while saving: " + out / "no folder/: No such file or directory\n");
+  EXPECT_EQ(RunCli(s, {"design", "export-tpl", "mine", "--out", out / "mine.tpl"}).err,
+            out / "mine.tpl" + ": the file exists; add --replace to overwrite it\n");
+  cli = RunCli(s, {"design", "export-tpl", "mine", "--out", out / "no folder/mine.tpl"});
+  EXPECT_EQ(cli.rc, 1);
+  EXPECT_EQ(cli.err, "Error while saving: " + out / "no folder/: No such file or directory\n");
 }

@@ -82,7 +82,7 @@ int Store(AppContext& app, const std::string& given, DesignFile design, bool rep
   const std::string name(TrimBlanks(given));
   if (NameIsBlank(given, "the design name", err)) return 1;
   if (FindDesign(app, name) != 0 && !replace) {
-    err << name << ": " << Say(app, "NameExists") << " (--replace)\n";
+    err << "a design named \"" << name << "\" exists; add --replace to overwrite it\n";
     return 1;
   }
   // Stored within their limits, so that every later read finds them there.
@@ -202,7 +202,7 @@ int RunDesignCommand(AppContext& app, const std::vector<std::string>& in, std::o
     const std::string path = a.Get("--out");
     if (path.empty()) return Usage(err);
     if (FileExists(path) && !a.Has("--replace")) {
-      err << path << ": " << Say(app, "NameExists") << " (--replace)\n";
+      err << path << ": the file exists; add --replace to overwrite it\n";
       return 1;
     }
     // Refused here rather than by the import on another machine; the file

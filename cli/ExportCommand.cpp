@@ -114,6 +114,11 @@ class CommandLineObserver : public ExportObserver {
   int AskOverwrite(const std::string&) override { return overwrite_ ? Answer::YesToAll : Answer::No; }
   void Message(const std::string& key, const std::string& detail) override {
     if (terminal_) out_ << "\n";
+    // A file that failed: its path and the reason say it all.
+    if (key == "SaveError" && !detail.empty()) {
+      err_ << "quillaron export: " << detail << "\n";
+      return;
+    }
     err_ << (detail.empty() ? "" : detail + ": ") << Say(app_, key) << "\n";
   }
   double Seconds() const {
@@ -233,9 +238,19 @@ int RunExportCommand(AppContext& app, const std::vector<std::string>& args, std:
     o.CreateFolderFormat = has("--folder-per-format");
     o.CreateFolderSize = has("--folder-per-size");
     o.ColorsinPerc = has("--percent-colours");
+    if (o.Folder.empty()) throw Fail{"--out is empty: give the folder to write to"};
+    if (FileExists(o.Folder)) throw Fail{"--out " + o.Folder + " is a file, not a folder"};
     if (!FolderExists(o.Folder)) {
       err << o.Folder << ": " << Say(app, "FolderMissing") << "\n";
       return 1;
+    }
+    // Every file stays in --out: no part of a name may lead elsewhere.
+    for (const auto& [flag, part] : {std::pair<const char*, const std::string&>{"--prefix", o.Prefix},
+                                     {"--delimiter", o.Delimiter},
+                                     {"--name", o.NameText},
+                                     {"--ext", o.ExtText}}) {
+      if (const std::string problem = NamePartProblem(part); !problem.empty())
+        throw Fail{std::string(flag) + " \"" + part + "\": " + problem};
     }
 
     // The design, from the library or from a file.
@@ -315,8 +330,19 @@ int RunExportCommand(AppContext& app, const std::vector<std::string>& args, std:
     if (terminal && r.Images > 0) out << "\n";
     char seconds[32];
     std::snprintf(seconds, sizeof seconds, "%.1f", observer.Seconds());
-    out << r.Written << " files written, " << r.Skipped << " skipped, " << seconds << " s\n";
-    return r.Error.empty() ? 0 : 1;
+    out << r.Written << " files written, " << r.Skipped << " skipped (existed)";
+    if (r.Collisions > 0) out << ", " << r.Collisions << " name collisions within this run";
+    if (r.Failed > 0) out << ", " << r.Failed << " failed";
+    out << ", " << seconds << " s\n";
+    if (r.Collisions > 0) {
+      // Names are made of the icon's name, an overlay's and texts: nothing
+      // tells two styles or themes apart but a prefix per run.
+      err << "quillaron export: " << r.Collisions
+          << " icon(s) had the name of an earlier icon of this run and were not written: add "
+             "--rename-duplicates, or export each style or theme on its own with its own --prefix\n";
+    }
+    // Any file that failed, or a run that ended early, fails the command.
+    return r.Error.empty() && r.Failed == 0 ? 0 : 1;
   } catch (const Fail& f) {
     err << "quillaron export: " << f.message << "\n";
     return 1;

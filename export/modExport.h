@@ -4,6 +4,7 @@
 // the chosen format under a name built by rule. The export view and the
 // command line both drive it through an observer.
 
+#include <cstdint>
 #include <string>
 
 #include "platform/Bytes.h"
@@ -51,13 +52,15 @@ class ExportObserver {
   virtual void Progress(int done, int total, const std::string& caption) {
     (void)done, (void)total, (void)caption;
   }
-  // An existing file: Yes, YesToAll, No (skip) or Cancel (end the run).
+  // A file of an earlier run has the name: Yes, YesToAll, No (skip) or
+  // Cancel (end the run). Never asked for a name this run has used.
   virtual int AskOverwrite(const std::string& fileName) {
     (void)fileName;
     return Answer::No;
   }
   // A message by its text key: "FolderMissing", "NothingToExport",
-  // "ErrorCreateFolder", "SaveError".
+  // "ErrorCreateFolder", "SaveError". The detail of "SaveError" is
+  // "<path>: <reason>".
   virtual void Message(const std::string& key, const std::string& detail) { (void)key, (void)detail; }
   // One turn of the event loop per image; true asks the run to stop.
   virtual bool DoEventsAndCheckStop() { return false; }
@@ -65,21 +68,44 @@ class ExportObserver {
 };
 
 struct ExportResult {
-  int Images = 0;          // drawn
-  int Written = 0;         // files written
-  int Skipped = 0;         // existing files left as they were
+  int Images = 0;   // drawn
+  int Written = 0;  // files written
+  int Skipped = 0;  // files of earlier runs (or of others) left as they were
+  // Not written because an earlier image of this run had the same name:
+  // icons of one name from different styles or themes.
+  int Collisions = 0;
+  // Files that could not be written (their name is a folder's, say, or
+  // nothing of the picture is left); the run went on with the others.
+  int Failed = 0;
   bool Completed = false;  // false: stopped, cancelled or failed
   std::string Error;       // the message key of a failure
 };
 
+// Every file is named by NewFile: written in full before it has a name, and
+// the name claimed in one step, so that parallel runs into one folder never
+// replace each other's files. A file that fails is counted and reported and
+// the run goes on; a failure that would repeat for every file (no memory, a
+// full disk, a folder that takes no files) ends the run.
 ExportResult RunExport(AppContext& app, const ExportOptions& options, ExportObserver& observer);
+
+// Why a part of the file names (prefix, delimiter, name or extension text)
+// cannot be used, or empty when it can: a part must not lead out of the
+// folder, so it holds no "/" and is not "." or "..".
+std::string NamePartProblem(const std::string& part);
 
 // The folder files go to: the folder, then the format, then the size.
 std::string GetFolderName(const ExportOptions& o);
-// The file name of one image, made unique in `folder` when asked.
+// The file name of one image by the name rule alone.
+std::string ComposeName(const ExportOptions& o, const std::string& baseName, const std::string& overlayName);
+// The file name of one image as the preview shows it: made unique in
+// `folder` when asked. The run claims its names itself.
 std::string Update_Name(const ExportOptions& o, const std::string& baseName, const std::string& overlayName,
                         const std::string& folder);
-// The first "<base>-Duplicate<C>.<ext>" that does not exist in `folder`.
+// "<base>-Duplicate<counter>.<ext>".
+std::string DuplicateName(const std::string& fileName, int counter);
+// The highest counter of a duplicate's name.
+constexpr int kMaxDuplicate = 32767;
+// The first DuplicateName that does not exist in `folder`.
 std::string UniqueName(const std::string& folder, const std::string& fileName);
 // The first surface group of the SVG text with opacity="alpha".
 std::string AddAlphaToSVG(const std::string& svg, double alpha);

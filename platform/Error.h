@@ -16,6 +16,7 @@ constexpr int Overflow = 6;
 constexpr int OutOfMemory = 7;
 constexpr int OutOfRange = 9;  // subscript out of range
 constexpr int TypeMismatch = 13;
+constexpr int BadFileName = 52;  // a name that cannot be used in its folder
 constexpr int FileNotFound = 53;
 constexpr int FileAccess = 75;  // path/file access error
 constexpr int PathNotFound = 76;

@@ -4,13 +4,16 @@
 #include <fcntl.h>
 #include <fnmatch.h>
 #include <pwd.h>
+#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <fstream>
 
 #include "platform/Error.h"
@@ -101,27 +104,238 @@ std::string ReadAllText(const std::string& path, std::size_t maxBytes) {
 }
 
 void WriteAllBytes(const std::string& path, const Bytes& data) {
-  std::string temp = FolderOf(path) + "." + FileNameOf(path) + ".XXXXXX";
-  Fd fd(::mkstemp(temp.data()));
-  if (fd.get() < 0) RaiseErrno(errno, "Cannot write", path, "WriteAllBytes");
-  const auto fail = [&](int err) {
-    ::unlink(temp.c_str());
-    RaiseErrno(err, "Cannot write", path, "WriteAllBytes");
-  };
-  // mkstemp makes the file private; give it the mode a new file would get.
-  const mode_t mask = ::umask(0);
-  ::umask(mask);
-  ::fchmod(fd.get(), 0666 & ~mask);
+  NewFile(FolderOf(path), data).Replace(FileNameOf(path));
+}
+
+bool IsPlainFileName(std::string_view name) {
+  return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos &&
+         name.find('\0') == std::string_view::npos;
+}
+
+namespace {
+
+// Writes all of `data`; 0 or the error.
+int WriteAll(int fd, const Bytes& data) {
   std::size_t done = 0;
   while (done < data.size()) {
-    const ssize_t n = ::write(fd.get(), data.data() + done, data.size() - done);
+    const ssize_t n = ::write(fd, data.data() + done, data.size() - done);
     if (n < 0 && errno == EINTR) continue;
-    if (n < 0) fail(errno);
+    if (n < 0) return errno;
     done += static_cast<std::size_t>(n);
   }
-  if (::fsync(fd.get()) != 0) fail(errno);
-  if (fd.Close() != 0) fail(errno);
-  if (::rename(temp.c_str(), path.c_str()) != 0) fail(errno);
+  return ::fsync(fd) == 0 ? 0 : errno;
+}
+
+// Copies all of the file `from` to `to`; 0 or the error.
+int CopyAll(int from, int to) {
+  if (::lseek(from, 0, SEEK_SET) != 0) return errno;
+  Bytes chunk(64 * 1024);
+  for (;;) {
+    const ssize_t n = ::read(from, chunk.data(), chunk.size());
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return errno;
+    if (n == 0) break;
+    for (ssize_t done = 0; done < n;) {
+      const ssize_t w = ::write(to, chunk.data() + done, static_cast<std::size_t>(n - done));
+      if (w < 0 && errno == EINTR) continue;
+      if (w < 0) return errno;
+      done += w;
+    }
+  }
+  return ::fsync(to) == 0 ? 0 : errno;
+}
+
+// A short hidden name: its length does not grow with the target's, so a
+// target of the longest name the file system takes can still be written.
+std::string TemporaryName() {
+  static const char digits[] = "0123456789abcdefghijklmnopqrstuvwxyz";
+  std::uint8_t random[10];
+  if (::getrandom(random, sizeof random, 0) != static_cast<ssize_t>(sizeof random)) {
+    // No entropy to be had: the time and the process still make a name
+    // that a retry on EEXIST gets past.
+    const auto t = static_cast<std::uint64_t>(::clock()) ^ (static_cast<std::uint64_t>(::getpid()) << 20);
+    for (std::size_t i = 0; i < sizeof random; ++i) random[i] = static_cast<std::uint8_t>(t >> (i * 6));
+  }
+  std::string name = ".qds-";
+  for (const std::uint8_t r : random) name += digits[r % 36];
+  return name;
+}
+
+// Errors that say a way of linking is not there, rather than that the name
+// or the folder is wrong.
+bool NotPermitted(int err) {
+  return err == EPERM || err == EACCES || err == ENOENT || err == EOPNOTSUPP || err == ENOSYS ||
+         err == EXDEV || err == EINVAL;
+}
+
+}  // namespace
+
+NewFile::NewFile(const std::string& folder, const Bytes& data, Way way)
+    : folder_(WithTrailingSlash(folder.empty() ? "." : folder)) {
+  try {
+    dir_ = ::open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (dir_ < 0) Fail(errno, "");
+    if (way == Way::Unnamed) {
+      // Readable too: should it turn out that it cannot be linked, its
+      // content is copied to a temporary name.
+      unnamed_ = ::openat(dir_, ".", O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
+      if (unnamed_ < 0 && errno != EOPNOTSUPP && errno != EISDIR) Fail(errno, "");
+    }
+    if (unnamed_ < 0) {
+      WriteTemporary(&data);
+    } else if (const int err = WriteAll(unnamed_, data)) {
+      Fail(err, "");
+    }
+  } catch (...) {
+    Release();
+    throw;
+  }
+}
+
+NewFile::~NewFile() {
+  Release();
+}
+
+void NewFile::Release() noexcept {
+  if (!temp_.empty()) ::unlinkat(dir_, temp_.c_str(), 0);
+  temp_.clear();
+  if (unnamed_ >= 0) ::close(unnamed_);
+  unnamed_ = -1;
+  if (dir_ >= 0) ::close(dir_);
+  dir_ = -1;
+}
+
+void NewFile::WriteTemporary(const Bytes* data) {
+  for (int tries = 0;; ++tries) {
+    std::string name = TemporaryName();
+    const int fd = ::openat(dir_, name.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
+    if (fd < 0 && errno == EEXIST && tries < 100) continue;
+    if (fd < 0) Fail(errno, "");
+    temp_ = std::move(name);  // removed by Release whatever happens now
+    const int err = data ? WriteAll(fd, *data) : CopyAll(unnamed_, fd);
+    if (::close(fd) != 0 && err == 0) Fail(errno, "");
+    if (err) Fail(err, "");
+    break;
+  }
+  if (unnamed_ >= 0) ::close(unnamed_);
+  unnamed_ = -1;
+}
+
+// 0, or the error of linking the unnamed file as `name`; -1 when this
+// system lets no unnamed file be linked.
+int NewFile::LinkUnnamed(const std::string& name) {
+  // AT_EMPTY_PATH asks for a capability on older kernels; the /proc way
+  // does not, but needs /proc.
+  if (::linkat(unnamed_, "", dir_, name.c_str(), AT_EMPTY_PATH) == 0) return 0;
+  if (!NotPermitted(errno)) return errno;
+  const std::string self = "/proc/self/fd/" + std::to_string(unnamed_);
+  if (::linkat(AT_FDCWD, self.c_str(), dir_, name.c_str(), AT_SYMLINK_FOLLOW) == 0) return 0;
+  if (!NotPermitted(errno)) return errno;
+  // ENOENT may also mean that the folder has gone: the temporary file
+  // written now then fails and says so.
+  return -1;
+}
+
+// 0, or the error of giving the temporary file the name `name`, which must
+// not exist.
+int NewFile::LinkTemporary(const std::string& name) {
+  if (::linkat(dir_, temp_.c_str(), dir_, name.c_str(), 0) == 0) {
+    ::unlinkat(dir_, temp_.c_str(), 0);
+    temp_.clear();
+    return 0;
+  }
+  if (errno == EEXIST || !NotPermitted(errno)) return errno;
+  // No hard links (FAT, some network file systems): a rename that refuses
+  // to replace does the same.
+  if (::renameat2(dir_, temp_.c_str(), dir_, name.c_str(), RENAME_NOREPLACE) == 0) {
+    temp_.clear();
+    return 0;
+  }
+  if (errno != EINVAL && errno != ENOSYS) return errno;
+  // Neither: this file system cannot claim a name in one step, and a look
+  // before the rename is the best there is.
+  struct stat st {};
+  if (::fstatat(dir_, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) == 0) return EEXIST;
+  if (::renameat(dir_, temp_.c_str(), dir_, name.c_str()) != 0) return errno;
+  temp_.clear();
+  return 0;
+}
+
+bool NewFile::Claim(const std::string& name) {
+  CheckName(name);
+  for (int tries = 0; tries < 3; ++tries) {
+    int err = -1;
+    if (unnamed_ >= 0) err = LinkUnnamed(name);
+    if (err == -1) {
+      if (unnamed_ >= 0) WriteTemporary(nullptr);
+      err = LinkTemporary(name);
+    }
+    if (err == 0) {
+      named_ = true;
+      if (unnamed_ >= 0) ::close(unnamed_);
+      unnamed_ = -1;
+      return true;
+    }
+    if (err != EEXIST) Fail(err, name);
+    struct stat st {};
+    if (::fstatat(dir_, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
+      if (errno == ENOENT) continue;  // gone again in the meantime
+      Fail(errno, name);
+    }
+    if (S_ISDIR(st.st_mode)) Fail(EISDIR, name);
+    return false;
+  }
+  return false;
+}
+
+void NewFile::Replace(const std::string& name) {
+  CheckName(name);
+  // A rename needs a name to move: the unnamed file gets a temporary one,
+  // for as short a time as it takes.
+  while (unnamed_ >= 0 && temp_.empty()) {
+    const std::string temp = TemporaryName();
+    const int err = LinkUnnamed(temp);
+    if (err == EEXIST) continue;
+    if (err == -1) {
+      WriteTemporary(nullptr);
+      break;
+    }
+    if (err != 0) Fail(err, name);
+    temp_ = temp;
+    break;
+  }
+  if (::renameat(dir_, temp_.c_str(), dir_, name.c_str()) != 0) Fail(errno, name);
+  temp_.clear();
+  named_ = true;
+  if (unnamed_ >= 0) ::close(unnamed_);
+  unnamed_ = -1;
+}
+
+void NewFile::CheckName(const std::string& name) const {
+  if (named_) Raise(ErrNo::InvalidArgument, folder_ + name + ": the file already has a name", "NewFile");
+  if (!IsPlainFileName(name)) {
+    Raise(ErrNo::BadFileName,
+          folder_ + name + ": a file name must not be empty, \".\" or \"..\", nor hold \"/\" or NUL",
+          "NewFile");
+  }
+}
+
+void NewFile::Fail(int err, const std::string& name) const {
+  const std::string path = name.empty() ? folder_ : folder_ + name;
+  int number = ErrNo::FileAccess;
+  std::string reason = std::strerror(err);
+  if (err == ENOENT) number = ErrNo::FileNotFound;
+  if (err == ENOTDIR) number = ErrNo::PathNotFound;
+  if (err == ENOSPC) reason = "the disk is full";
+  if (!name.empty() && (err == EISDIR || err == ENOTEMPTY || err == EEXIST)) {
+    number = ErrNo::BadFileName;
+    reason = "a folder has this name";
+  }
+  if (err == ENAMETOOLONG) {
+    number = ErrNo::BadFileName;
+    reason = "the name is longer than the file system allows";
+  }
+  Raise(number, path + ": " + reason, "NewFile");
 }
 
 void WriteUtf8Text(const std::string& path, std::string_view text) {

@@ -28,7 +28,7 @@ bool ParseDouble(std::string_view s, double& out) {
 
 std::int64_t RoundHalfEven(double d) {
   if (!std::isfinite(d) || d >= 9.2233720368547758e18 || d < -9.2233720368547758e18) {
-    Raise(ErrNo::Overflow, "Overflow", "Value");
+    Raise(ErrNo::Overflow, FormatDouble(d) + " is beyond the range of whole numbers", "Value");
   }
   return static_cast<std::int64_t>(std::nearbyint(d));  // default mode rounds to even
 }

@@ -1,10 +1,17 @@
 #include <gdk-pixbuf/gdk-pixbuf.h>
 #include <gtest/gtest.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <chrono>
+#include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <regex>
 #include <sstream>
+#include <thread>
 
 #include "cli/CommandLine.h"
 #include "export/modExport.h"
@@ -106,6 +113,24 @@ int FilesIn(const std::string& folder) {
   int n = 0;
   for ([[maybe_unused]] const auto& e : std::filesystem::directory_iterator(folder)) ++n;
   return n;
+}
+
+// A design file whose base layer holds the library icons `ids`.
+void WriteDesign(const std::string& path, const std::string& ids, const std::string& settings = "{}") {
+  WriteUtf8Text(path, R"({"Description":"","Entries":[{"Key":"_BaseIco","IsBaseEntry":true,"ImageIDs":")" +
+                          ids + R"(","Settings":")" + settings + R"("}]})");
+}
+
+struct Cli {
+  int rc;
+  std::string out, err;
+};
+
+Cli RunCli(const StartedApp& s, std::vector<std::string> args) {
+  args.insert(args.begin(), {"--app-dir", s.folder.Folder()});
+  std::ostringstream o, e;
+  const int rc = RunCommand(ParseCommandLine(args), o, e);
+  return {rc, o.str(), e.str()};
 }
 
 }  // namespace
@@ -236,7 +261,7 @@ TEST_F(Export, CroppingTrimmingBackgroundsAndSvgText) {
   EXPECT_NE(cut.find("rgb(100%,0%,0%)"), std::string::npos);
 }
 
-TEST_F(Export, AMissingFolderOrAnUnwritableTargetStopsCleanly) {
+TEST_F(Export, AMissingFolderStopsTheRunAndAFolderInTheWayFailsOnlyItsFile) {
   Design(false);
   ExportOptions o = Options("PNG", 16, 16);
   o.Folder = out / "missing";
@@ -245,18 +270,31 @@ TEST_F(Export, AMissingFolderOrAnUnwritableTargetStopsCleanly) {
   EXPECT_EQ(r.messages, std::vector<std::string>{"FolderMissing"});
   EXPECT_TRUE(r.written.empty());
 
-  // The second file cannot be written: the first stays, the run stops.
+  // The second file cannot be written: it is reported by its path, and the
+  // others are written.
   o.Folder = out.Path();
-  CreateDirectories(out / "lock_16.png");  // a folder where a file should go
+  CreateDirectories(out / "lock_16.png/inside");  // a folder where a file should go
   Recorder f;
   const ExportResult result = RunExport(*s.app, o, f);
   EXPECT_EQ(result.Error, "SaveError");
-  EXPECT_EQ(f.written, std::vector<std::string>{"heart-3_16.png"});
-  EXPECT_TRUE(FileExists(out / "heart-3_16.png"));
-  EXPECT_FALSE(FileExists(out / "star_16.png"));
-  for (const auto& e : std::filesystem::directory_iterator(out.Path())) {
-    EXPECT_EQ(e.path().filename().string().find(".png."), std::string::npos) << "a temporary file was left";
-  }
+  EXPECT_TRUE(result.Completed);
+  EXPECT_EQ(result.Failed, 1);
+  EXPECT_EQ(result.Written, 2);
+  EXPECT_EQ(f.written, (std::vector<std::string>{"heart-3_16.png", "star_16.png"}));
+  ASSERT_EQ(f.details.size(), 1u);
+  EXPECT_EQ(f.details[0], out / "lock_16.png: a folder has this name");
+  EXPECT_TRUE(FolderExists(out / "lock_16.png/inside"));
+  EXPECT_EQ(FilesIn(out.Path()), 3) << "a temporary file was left";
+
+  // The command line says so in its summary and fails.
+  WriteDesign(out / "d.json", s.app->BaseIcons.Item(1)->ID().AsString());
+  const Cli cli =
+      RunCli(s, {"export", "--design-file", out / "d.json", "--out", out.Path(), "--size", "16x16"});
+  EXPECT_EQ(cli.rc, 1);
+  EXPECT_NE(cli.out.find("0 files written, 0 skipped (existed), 1 failed"), std::string::npos) << cli.out;
+  EXPECT_NE(cli.err.find("quillaron export: " + out / "lock_16.png: a folder has this name\n"),
+            std::string::npos)
+      << cli.err;
 }
 
 TEST_F(Export, TheCommandLineExportsADesignFileInEveryFormat) {
@@ -355,7 +393,7 @@ TEST_F(Export, AWriteThatRunsOutOfMemoryEndsInSaveErrorAndLeavesNoFile) {
   EXPECT_FALSE(result.Completed);
   EXPECT_EQ(result.Written, 0);
   EXPECT_EQ(r.messages, std::vector<std::string>{"SaveError"});
-  EXPECT_EQ(r.details, std::vector<std::string>{"Out of memory"});
+  EXPECT_EQ(r.details, std::vector<std::string>{out / "heart-3.ico: Out of memory"});
   EXPECT_EQ(FilesIn(out.Path()), 0);
 }
 
@@ -416,4 +454,289 @@ TEST_F(Export, ATrimmedSvgOfAWideLowPictureKeepsItsOwnWidthAndHeight) {
   EXPECT_EQ(w[1], "48");
   EXPECT_EQ(h[1], "16");
   EXPECT_EQ(box[1], "8 24 48 16");
+}
+
+namespace {
+
+// The export command in a process of its own, as a user would start it; it
+// waits for the pipe `go` to close before it begins, so that several start
+// at once. Its output goes to `log`.
+pid_t StartCommand(const std::vector<std::string>& args, const std::string& log, const int* go = nullptr) {
+  const pid_t pid = ::fork();
+  if (pid != 0) return pid;
+  if (go) {
+    char byte;
+    ::close(go[1]);
+    (void)!::read(go[0], &byte, 1);
+  }
+  std::ostringstream o, e;
+  const int rc = RunCommand(ParseCommandLine(args), o, e);
+  std::ofstream(log) << o.str() << e.str();
+  ::_exit(rc);
+}
+
+int WaitFor(pid_t pid) {
+  int status = 0;
+  ::waitpid(pid, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+int Count(const std::string& text, const std::string& what) {
+  std::smatch m;
+  return std::regex_search(text, m, std::regex("(\\d+) " + what)) ? std::stoi(m[1]) : -1;
+}
+
+int FilesBelow(const std::string& folder) {
+  int n = 0;
+  for (const auto& e : std::filesystem::recursive_directory_iterator(folder)) n += e.is_regular_file();
+  return n;
+}
+
+}  // namespace
+
+TEST_F(Export, NoNameLeadsOutOfTheOutputFolder) {
+  TempDir files;
+  WriteDesign(files / "d.json", LibraryLayer(*s.app, "lock", "Flat")->ID().AsString());
+  CreateDirectories(out / "a/b");
+  for (const std::vector<std::string>& bad : {std::vector<std::string>{"--prefix", "../ESCAPED"},
+                                              {"--name", "../../X"},
+                                              {"--name", ".."},
+                                              {"--ext", "../.."},
+                                              {"--delimiter", "/"},
+                                              {"--prefix", "."}}) {
+    const Cli cli =
+        RunCli(s, {"export", "--design-file", files / "d.json", "--out", out / "a/b", bad[0], bad[1]});
+    EXPECT_EQ(cli.rc, 1) << bad[1];
+    EXPECT_NE(
+        cli.err.find("quillaron export: " + bad[0] + " \"" + bad[1] + "\": a part of a file name must not"),
+        std::string::npos)
+        << cli.err;
+  }
+  EXPECT_EQ(FilesBelow(out.Path()), 0);
+
+  // A name from elsewhere (an icon's name, say) that would lead out is
+  // refused by the writer: that file fails, the run goes on.
+  Design(false);
+  s.app->BaseIcons.Item(1)->setFriendlyName("../../lock");
+  ExportOptions o = Options("PNG", 16, 16);
+  o.Folder = out / "a/b";
+  Recorder r;
+  const ExportResult result = RunExport(*s.app, o, r);
+  EXPECT_EQ(result.Written, 2);
+  EXPECT_EQ(result.Failed, 1);
+  ASSERT_EQ(r.details.size(), 1u);
+  EXPECT_EQ(
+      r.details[0],
+      out / "a/b/../../lock_16.png: a file name must not be empty, \".\" or \"..\", nor hold \"/\" or NUL");
+  EXPECT_EQ(FilesBelow(out.Path()), 2);
+  EXPECT_EQ(FilesIn(out / "a/b"), 2);
+}
+
+TEST_F(Export, ParallelRunsIntoOneFolderWriteExactlyTheFilesTheyReport) {
+  TempDir logs;
+  WriteDesign(logs / "d.json", LibraryLayer(*s.app, "lock", "Flat")->ID().AsString());
+  // Three runs over the same fifty names, started at the same moment.
+  const auto race = [&](const std::string& folder, const std::vector<std::string>& extra) {
+    CreateDirectories(folder);
+    int go[2];
+    EXPECT_EQ(::pipe(go), 0);
+    std::vector<pid_t> runs;
+    for (int i = 0; i < 3; ++i) {
+      std::vector<std::string> args = {"--app-dir",     s.folder.Folder(), "export", "--design-file",
+                                       logs / "d.json", "--out",           folder,   "--style",
+                                       "Flat",          "--search",        "arrow",  "--size",
+                                       "256x256"};
+      args.insert(args.end(), extra.begin(), extra.end());
+      runs.push_back(StartCommand(args, logs / std::to_string(i), go));
+    }
+    ::close(go[0]);
+    ::close(go[1]);  // all three read the end of the pipe and start
+    int written = 0, skipped = 0;
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+      EXPECT_EQ(WaitFor(runs[i]), 0);
+      const std::string log = ReadAllText(logs / std::to_string(i));
+      written += Count(log, "files written");
+      skipped += Count(log, "skipped");
+    }
+    return std::pair{written, skipped};
+  };
+  const auto [renamed, none] = race(out / "renamed", {"--rename-duplicates"});
+  EXPECT_EQ(renamed, 150);
+  EXPECT_EQ(none, 0);
+  EXPECT_EQ(FilesIn(out / "renamed"), renamed);
+
+  // Without renaming, each name goes to one run; the others hear it exists.
+  const auto [written, skipped] = race(out / "plain", {});
+  EXPECT_EQ(written, 50);
+  EXPECT_EQ(skipped, 100);
+  EXPECT_EQ(FilesIn(out / "plain"), 50);
+}
+
+TEST_F(Export, AKilledRunLeavesNoHiddenFilesAndTheLongestNamesAreWritten) {
+  TempDir logs;
+  WriteDesign(logs / "d.json", LibraryLayer(*s.app, "lock", "Flat")->ID().AsString());
+  // Every name that appears in the folder while the run writes is seen.
+  const int watch = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+  ASSERT_GE(watch, 0);
+  ASSERT_GE(::inotify_add_watch(watch, out.Path().c_str(), IN_CREATE | IN_MOVED_TO), 0);
+  const pid_t run = StartCommand({"--app-dir", s.folder.Folder(), "export", "--design-file", logs / "d.json",
+                                  "--out", out.Path(), "--style", "Flat", "--size", "512x512"},
+                                 logs / "log");
+  // Killed in the middle, once a few files are there.
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+  while (FilesIn(out.Path()) < 5 && std::chrono::steady_clock::now() < deadline) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+  ::kill(run, SIGKILL);
+  EXPECT_EQ(WaitFor(run), -1) << "the run ended before it was killed";
+  std::vector<std::string> seen;
+  alignas(inotify_event) char buffer[64 * 1024];
+  for (ssize_t n; (n = ::read(watch, buffer, sizeof buffer)) > 0;) {
+    for (char* at = buffer; at < buffer + n;) {
+      const auto* event = reinterpret_cast<const inotify_event*>(at);
+      if (event->len > 0) seen.emplace_back(event->name);
+      at += sizeof(inotify_event) + event->len;
+    }
+  }
+  ::close(watch);
+  EXPECT_GE(seen.size(), 5u);
+  for (const std::string& name : seen) EXPECT_NE(name.front(), '.') << name << " appeared in the folder";
+  for (const auto& e : std::filesystem::directory_iterator(out.Path())) {
+    const std::string name = e.path().filename().string();
+    EXPECT_NE(name.front(), '.') << name << " was left behind";
+    GdkPixbuf* pb = Open(e.path().string());
+    EXPECT_TRUE(pb) << name << " is not a whole picture";
+    if (pb) g_object_unref(pb);
+  }
+
+  // A name of 248 bytes, and one longer than the file system takes, which
+  // fails alone.
+  TempDir files;
+  Design(false);
+  ExportOptions o = Options("PNG", 16, 16);
+  o.Folder = files.Path();
+  o.Prefix = std::string(233, 'p');  // + "_heart-3_16.png"
+  Recorder r;
+  ExportResult result = RunExport(*s.app, o, r);
+  EXPECT_EQ(result.Written, 3) << (r.details.empty() ? "" : r.details[0]);
+  EXPECT_TRUE(FileExists(files / (o.Prefix + "_heart-3_16.png")));
+  o.Prefix = std::string(241, 'q');  // 256 bytes with heart-3, 252 with lock and star
+  Recorder longer;
+  result = RunExport(*s.app, o, longer);
+  EXPECT_EQ(result.Written, 2);
+  EXPECT_EQ(result.Failed, 1);
+  EXPECT_TRUE(result.Completed);
+  ASSERT_EQ(longer.details.size(), 1u);
+  EXPECT_NE(longer.details[0].find("_heart-3_16.png: the name is longer than the file system allows"),
+            std::string::npos)
+      << longer.details[0];
+  EXPECT_EQ(FilesIn(files.Path()), 5);
+}
+
+TEST_F(Export, ATrimmedDesignWithNothingVisibleFailsForEachFileInEveryFormat) {
+  auto empty = std::make_shared<cSVGItem>();
+  empty->Init(
+      Value(1),
+      ToBytes(R"(<svg xmlns="http://www.w3.org/2000/svg" width="256" height="256" viewBox="0 0 256 256">)"
+              R"(<rect width="10" height="10" fill="#ff0000" opacity="0"/></svg>)"),
+      "empty");
+  s.app->Layers.Add(empty, "empty");
+  for (const char* format : {"SVG", "PNG"}) {
+    ExportOptions o = Options(format, 64, 64);
+    o.AdjustSize = true;
+    o.ExportHasBaseIcons = false;
+    o.NamePart = ExportOptions::Part::Text;
+    o.NameText = "empty";
+    Recorder r;
+    const ExportResult result = RunExport(*s.app, o, r);
+    EXPECT_EQ(result.Written, 0) << format;
+    EXPECT_EQ(result.Failed, 1) << format;
+    EXPECT_EQ(result.Error, "SaveError");
+    EXPECT_EQ(r.details,
+              std::vector<std::string>{out / ("empty_64." + AsciiLower(format)) +
+                                       ": nothing is left to write: the picture is fully transparent"});
+  }
+  EXPECT_EQ(FilesIn(out.Path()), 0);
+}
+
+TEST_F(Export, IconsOfOneNameInOneRunAreToldApartFromFilesThatExisted) {
+  for (const auto& [name, style] : {std::pair{"lock", "Flat"}, {"lock", "Slimline"}, {"star", "Flat"}}) {
+    SVGItemPtr icon = LibraryLayer(*s.app, name, style);
+    s.app->BaseIcons.Add(icon, icon->ID().AsString());
+  }
+  s.app->Layers.Add(s.app->BaseIcons.Item(0)->Clone(), "_BaseIco");
+  WriteAllBytes(out / "star_32.png", Bytes{1});
+  ExportOptions o = Options("PNG", 32, 32);
+  Recorder r;
+  ExportResult result = RunExport(*s.app, o, r);
+  EXPECT_EQ(result.Written, 1);
+  EXPECT_EQ(result.Skipped, 1);
+  EXPECT_EQ(result.Collisions, 1);
+  EXPECT_EQ(r.asked, 1) << "only the file of an earlier run is asked about";
+  const Bytes flat = ReadAllBytes(out / "lock_32.png");
+
+  // Overwriting replaces files of earlier runs, never a file of this one.
+  Recorder all;
+  all.answer = Answer::YesToAll;
+  result = RunExport(*s.app, o, all);
+  EXPECT_EQ(result.Written, 2);
+  EXPECT_EQ(result.Collisions, 1);
+  EXPECT_TRUE(ReadAllBytes(out / "lock_32.png") == flat) << "the second lock replaced the first";
+  EXPECT_NE(ReadAllBytes(out / "star_32.png"), Bytes{1});
+
+  // Renaming writes both.
+  o.RenameDuplicates = true;
+  Recorder renamed;
+  result = RunExport(*s.app, o, renamed);
+  EXPECT_EQ(result.Collisions, 0);
+  EXPECT_EQ(renamed.written, (std::vector<std::string>{"lock_32-Duplicate1.png", "lock_32-Duplicate2.png",
+                                                       "star_32-Duplicate1.png"}));
+
+  // The command line's summary tells the two apart and says what to do.
+  const std::string ids = s.app->BaseIcons.Item(0)->ID().AsString() + "," +
+                          s.app->BaseIcons.Item(1)->ID().AsString() + "," +
+                          s.app->BaseIcons.Item(2)->ID().AsString();
+  WriteDesign(out / "d.json", ids);
+  CreateDirectories(out / "cli");
+  WriteAllBytes(out / "cli/star_32.png", Bytes{1});
+  const Cli cli =
+      RunCli(s, {"export", "--design-file", out / "d.json", "--out", out / "cli", "--size", "32x32"});
+  EXPECT_EQ(cli.rc, 0);
+  EXPECT_NE(cli.out.find("1 files written, 1 skipped (existed), 1 name collisions within this run"),
+            std::string::npos)
+      << cli.out;
+  EXPECT_NE(
+      cli.err.find("add --rename-duplicates, or export each style or theme on its own with its own --prefix"),
+      std::string::npos)
+      << cli.err;
+}
+
+TEST_F(Export, TheCommandLineNamesTheValueAndTheReasonOfWhatIsWrong) {
+  const std::string lock = LibraryLayer(*s.app, "lock", "Flat")->ID().AsString();
+  const std::string design = out / "d.json";
+  WriteDesign(design, lock);
+  CreateDirectories(out / "files");
+  EXPECT_EQ(RunCli(s, {"export", "--design-file", design, "--out", ""}).err,
+            "quillaron export: --out is empty: give the folder to write to\n");
+  EXPECT_EQ(RunCli(s, {"export", "--design-file", design, "--out", design}).err,
+            "quillaron export: --out " + design + " is a file, not a folder\n");
+  // A setting far out of range stops the run at the first file, naming it.
+  WriteDesign(design, lock, R"({\"Opacity\":1e300})");
+  Cli cli = RunCli(s, {"export", "--design-file", design, "--out", out / "files", "--size", "16x16"});
+  EXPECT_EQ(cli.rc, 1);
+  EXPECT_EQ(cli.err,
+            "quillaron export: " + out / "files/lock_16.png" +
+                ": the layer \"_BaseIco\" cannot be drawn: 1e+300 is beyond the range of whole numbers\n");
+  EXPECT_EQ(FilesIn(out / "files"), 0);
+
+  WriteDesign(design, lock);
+  ASSERT_EQ(RunCli(s, {"design", "save", "mine", "--from", design}).rc, 0);
+  EXPECT_EQ(RunCli(s, {"design", "save", "mine", "--from", design}).err,
+            "a design named \"mine\" exists; add --replace to overwrite it\n");
+  WriteAllBytes(out / "mine.tpl", Bytes{1});
+  EXPECT_EQ(RunCli(s, {"design", "export-tpl", "mine", "--out", out / "mine.tpl"}).err,
+            out / "mine.tpl" + ": the file exists; add --replace to overwrite it\n");
+  cli = RunCli(s, {"design", "export-tpl", "mine", "--out", out / "no folder/mine.tpl"});
+  EXPECT_EQ(cli.rc, 1);
+  EXPECT_EQ(cli.err, "Error while saving: " + out / "no folder/: No such file or directory\n");
 }

@@ -1,11 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
+#include <set>
+#include <thread>
 
 #include "platform/Error.h"
 #include "platform/Files.h"
 #include "platform/IniFile.h"
+#include "tests/support/ErrorOf.h"
 #include "tests/support/TempDir.h"
 
 using namespace qds;
@@ -51,6 +55,93 @@ TEST(Files, FailedWritesLeaveNothingBehindAndMissingFilesSayNotFound) {
   EXPECT_EQ(
       std::distance(std::filesystem::directory_iterator(dir.Path()), std::filesystem::directory_iterator()),
       1);
+}
+
+namespace {
+
+int EntriesIn(const std::string& folder) {
+  return static_cast<int>(
+      std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()));
+}
+
+}  // namespace
+
+TEST(Files, ANewFileTakesAFreeNameInOneStepAndNeverOneOutsideItsFolder) {
+  for (const NewFile::Way way : {NewFile::Way::Unnamed, NewFile::Way::TemporaryName}) {
+    SCOPED_TRACE(way == NewFile::Way::Unnamed ? "unnamed" : "temporary name");
+    TempDir dir;
+    {
+      NewFile file(dir.Path(), Bytes{1, 2, 3}, way);
+      if (way == NewFile::Way::Unnamed) {
+        EXPECT_EQ(EntriesIn(dir.Path()), 0) << "nothing is seen before the name";
+      }
+      EXPECT_TRUE(file.Claim("a.png"));
+    }
+    EXPECT_EQ(ReadAllBytes(dir / "a.png"), (Bytes{1, 2, 3}));
+    {
+      NewFile other(dir.Path(), Bytes{4}, way);
+      EXPECT_FALSE(other.Claim("a.png"));
+      EXPECT_EQ(ReadAllBytes(dir / "a.png"), (Bytes{1, 2, 3}));
+      EXPECT_TRUE(other.Claim("b.png"));
+    }
+    NewFile(dir.Path(), Bytes{5}, way).Replace("a.png");
+    EXPECT_EQ(ReadAllBytes(dir / "a.png"), Bytes{5});
+    { const NewFile unused(dir.Path(), Bytes{6}, way); }
+    EXPECT_EQ(EntriesIn(dir.Path()), 2) << "a temporary file was left";
+
+    // Names that are no plain names, or a folder's, fail with their own
+    // number and change nothing.
+    CreateDirectories(dir / "sub/inner");
+    {
+      NewFile file(dir / "sub", Bytes{7}, way);
+      for (const std::string& name :
+           {std::string("../escaped"), std::string(".."), std::string("."), std::string(), std::string("a/b"),
+            std::string("x\0y", 3), std::string("inner")}) {
+        EXPECT_EQ(ErrorOf([&] { file.Claim(name); }), ErrNo::BadFileName) << name;
+        EXPECT_EQ(ErrorOf([&] { file.Replace(name); }), ErrNo::BadFileName) << name;
+      }
+      EXPECT_EQ(ErrorOf([&] { file.Claim(std::string(256, 'n')); }), ErrNo::BadFileName);
+      // The longest name the file system takes.
+      EXPECT_TRUE(file.Claim(std::string(255, 'n')));
+    }
+    EXPECT_EQ(ReadAllBytes(dir / ("sub/" + std::string(255, 'n'))), Bytes{7});
+    EXPECT_FALSE(FileExists(dir / "escaped"));
+    EXPECT_EQ(EntriesIn(dir.Path()), 3);
+    EXPECT_EQ(EntriesIn(dir / "sub"), 2);
+    EXPECT_EQ(EntriesIn(dir / "sub/inner"), 0);
+  }
+  // Replacing goes the same way: the longest name works there too.
+  TempDir dir;
+  WriteAllBytes(dir / std::string(255, 'r'), Bytes{1});
+  WriteAllBytes(dir / std::string(255, 'r'), Bytes{2});
+  EXPECT_EQ(ReadAllBytes(dir / std::string(255, 'r')), Bytes{2});
+  EXPECT_EQ(EntriesIn(dir.Path()), 1);
+}
+
+TEST(Files, WritersRacingForNamesNeverReplaceEachOthersFiles) {
+  for (const NewFile::Way way : {NewFile::Way::Unnamed, NewFile::Way::TemporaryName}) {
+    TempDir dir;
+    // Four writers, each wanting the names n0 to n49 and taking the next
+    // "-c" where a name is taken.
+    std::atomic<int> claimed{0};
+    std::vector<std::thread> writers;
+    for (int w = 0; w < 4; ++w) {
+      writers.emplace_back([&, w] {
+        for (int i = 0; i < 50; ++i) {
+          NewFile file(dir.Path(), Bytes{static_cast<std::uint8_t>(w), static_cast<std::uint8_t>(i)}, way);
+          for (int c = 0; !file.Claim("n" + std::to_string(i) + (c ? "-" + std::to_string(c) : "")); ++c) {
+          }
+          ++claimed;
+        }
+      });
+    }
+    for (std::thread& t : writers) t.join();
+    EXPECT_EQ(claimed, 200);
+    std::set<Bytes> contents;
+    for (const auto& e : std::filesystem::directory_iterator(dir.Path()))
+      contents.insert(ReadAllBytes(e.path().string()));
+    EXPECT_EQ(contents.size(), 200u) << "a file was replaced";
+  }
 }
 
 TEST(Files, ListFolderMatchesPatternListsWithoutCaseAndSortsByName) {

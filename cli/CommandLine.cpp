@@ -64,6 +64,11 @@ int Init(AppContext& app, std::ostream& out) {
 
 }  // namespace
 
+std::string WithReason(std::string text, const std::string& why) {
+  while (!text.empty() && (text.back() == '.' || text.back() == ' ')) text.pop_back();
+  return why.empty() ? text : text + ": " + why;
+}
+
 void ReportCorrected(std::ostream& err, int count, const std::string& what) {
   if (count <= 0) return;
   err << "quillaron: " << count << (count == 1 ? " value of " : " values of ") << what

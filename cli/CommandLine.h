@@ -24,6 +24,9 @@ int RunCommand(const CommandLine& cmd, std::ostream& out, std::ostream& err);
 
 // Says how many values of `what` (a design, the settings) were out of their
 // limits and are used at them instead; nothing when there were none.
+// A message of the Texts table followed by its reason: "Invalid file: line 2 ...".
+std::string WithReason(std::string text, const std::string& why);
+
 void ReportCorrected(std::ostream& err, int count, const std::string& what);
 
 }  // namespace qds

@@ -143,7 +143,7 @@ int RunDesignCommand(AppContext& app, const std::vector<std::string>& in, std::o
       return 1;
     }
     if (!design) {
-      err << name << ": " << Say(app, "InvalidFile") << " " << why << "\n";
+      err << name << ": " << WithReason(Say(app, "InvalidFile"), why) << "\n";
       return 1;
     }
     if (!a.Has("--name") && TrimBlanks(BaseNameOf(name)).empty()) {
@@ -165,7 +165,7 @@ int RunDesignCommand(AppContext& app, const std::vector<std::string>& in, std::o
       return 1;
     }
     if (!design) {
-      err << a.Get("--from") << ": " << Say(app, "InvalidFile") << " " << why << "\n";
+      err << a.Get("--from") << ": " << WithReason(Say(app, "InvalidFile"), why) << "\n";
       return 1;
     }
     return Store(app, name, *design, a.Has("--replace"), out, err);

@@ -266,7 +266,7 @@ int RunExportCommand(AppContext& app, const std::vector<std::string>& args, std:
       std::string why;
       const std::optional<DesignFile> read =
           ReadDesignJson(ReadAllText(opt["--design-file"], kMaxDesignFileBytes), &why);
-      if (!read) throw Fail{opt["--design-file"] + ": " + Say(app, "InvalidFile") + " " + why};
+      if (!read) throw Fail{opt["--design-file"] + ": " + WithReason(Say(app, "InvalidFile"), why)};
       design = *read;
     }
     // Other base icons than the design's own become its base entry's icons.

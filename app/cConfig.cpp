@@ -20,6 +20,10 @@ constexpr SettingSpec kConfigSettings[] = {QDS_CONFIG_SETTINGS(QDS_SPEC)};
 
 }  // namespace
 
+std::span<const SettingSpec> ConfigSettings() {
+  return kConfigSettings;
+}
+
 cConfig::cConfig(DbConnection& cnn, std::string appFolder) : appFolder_(std::move(appFolder)) {
   row_ = cnn.Query("Select * From Config");
   if (row_.RecordCount() > 0) setSettings(row_.Fields("Settings").AsString());
@@ -29,14 +33,6 @@ void cConfig::setSettings(const std::string& text) {
   // Anything but an object leaves every setting at its default.
   if (text.size() <= 2 || text.front() != '{' || !bag_.Parse(text)) bag_.Clear();
   corrected_ = CheckSettings(bag_, kConfigSettings);
-}
-
-void cConfig::SetChecked(std::string_view key, double v) {
-  qds::SetChecked(bag_, kConfigSettings, key, v);
-}
-
-void cConfig::SetChecked(std::string_view key, const std::string& v) {
-  qds::SetChecked(bag_, kConfigSettings, key, v);
 }
 
 bool cConfig::Save() {
@@ -53,7 +49,7 @@ void cConfig::ResetMessages() {
 void cConfig::setImgFormat(std::string v) {
   std::string upper = v;
   for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  SetChecked("ImgFormat", upper);
+  SetChecked(bag_, kConfigSettings, "ImgFormat", upper);
 }
 
 std::string cConfig::ImportIconsDBPath() const {

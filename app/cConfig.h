@@ -5,6 +5,7 @@
 // version does not know survive.
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 #include "platform/DbConnection.h"
@@ -80,6 +81,9 @@ namespace qds {
   X(std::string, GlowSettings, Text, "", 0, 1 << 20, Plain, Plain)                               \
   X(double, UserZoom, Number, 1.25, 1, 4, Plain, Plain)
 
+// The table above as data.
+std::span<const SettingSpec> ConfigSettings();
+
 class cConfig {
  public:
   // Reads "Select * From Config" on `cnn`; `appFolder` has no trailing "/".
@@ -107,9 +111,9 @@ class cConfig {
     return static_cast<Type>(QDS_GET_##Kind(#Name, Def)); \
   }
 #define QDS_GETTER_Own(Type, Name, Kind, Def) Type Name() const;
-#define QDS_SETTER_Plain(Type, Name) \
-  void set##Name(Type v) {           \
-    SetChecked(#Name, v);            \
+#define QDS_SETTER_Plain(Type, Name)              \
+  void set##Name(Type v) {                        \
+    SetChecked(bag_, ConfigSettings(), #Name, v); \
   }
 #define QDS_SETTER_Own(Type, Name) void set##Name(Type v);
 #define QDS_ACCESSORS(Type, Name, Kind, Def, Min, Max, Getter, Setter) \
@@ -139,15 +143,6 @@ class cConfig {
   }
 
  private:
-  void SetChecked(std::string_view key, double v);
-  void SetChecked(std::string_view key, int v) {
-    SetChecked(key, static_cast<double>(v));
-  }
-  void SetChecked(std::string_view key, bool v) {
-    bag_.Set(key, v);
-  }
-  void SetChecked(std::string_view key, const std::string& v);
-
   std::string appFolder_;
   DbRecordset row_;
   JsonBag bag_;

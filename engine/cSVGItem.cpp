@@ -181,16 +181,8 @@ int CheckLayerSettings(JsonBag& bag) {
   return changed;
 }
 
-void cSVGItem::SetChecked(std::string_view key, double v) {
-  qds::SetChecked(bag_, kLayerSettings, key, v);
-}
-
-void cSVGItem::SetChecked(std::string_view key, const std::string& v) {
-  qds::SetChecked(bag_, kLayerSettings, key, v);
-}
-
 void cSVGItem::SetOverriding(const char* key, double v, const char* cleared1, const char* cleared2) {
-  SetChecked(key, v);
+  SetChecked(bag_, kLayerSettings, key, v);
   bag_.Set(cleared1, 0);
   bag_.Set(cleared2, 0);
 }
@@ -222,7 +214,7 @@ void cSVGItem::setGradAngleDeg(double v) {
   } else if (v < 0) {
     v += 360;
   }
-  SetChecked("GradAngleDeg", v);
+  SetChecked(bag_, kLayerSettings, "GradAngleDeg", v);
 }
 
 Collection cSVGItem::ColorList(const std::string& text) {

@@ -212,9 +212,9 @@ class cSVGItem {
 #define QDS_GET_Whole(Key, Def) bag_.GetLong(Key, Def)
 #define QDS_GET_Flag(Key, Def) bag_.GetBool(Key, Def)
 #define QDS_GET_Text(Key, Def) bag_.GetString(Key, Def)
-#define QDS_SET_Plain(Type, Name, Key) \
-  void set##Name(Type v) {             \
-    SetChecked(Key, v);                \
+#define QDS_SET_Plain(Type, Name, Key)         \
+  void set##Name(Type v) {                     \
+    SetChecked(bag_, LayerSettings(), Key, v); \
   }
 #define QDS_SET_Own(Type, Name, Key) void set##Name(Type v);
 #define QDS_ACCESSORS(Type, Name, Key, Kind, Def, Min, Max, Setter) \
@@ -262,15 +262,6 @@ class cSVGItem {
   void CopyClipFrom(const cSVGItem& symbol);
   // Takes the picture of the effect's symbol; answers the symbol's clone.
   SVGItemPtr FollowSymbol();
-  // Writes a value of the settings table, brought into its limits.
-  void SetChecked(std::string_view key, double v);
-  void SetChecked(std::string_view key, int v) {
-    SetChecked(key, static_cast<double>(v));
-  }
-  void SetChecked(std::string_view key, bool v) {
-    bag_.Set(key, v);
-  }
-  void SetChecked(std::string_view key, const std::string& v);
   // Writes `key` and sets the two keys it overrides to 0.
   void SetOverriding(const char* key, double v, const char* cleared1, const char* cleared2);
   void RenderLine(DrawingContext& ctx, const PathPtr& path, double lineWidth, std::int64_t colour, double W,

@@ -48,6 +48,12 @@ const SettingSpec* FindSetting(std::span<const SettingSpec> specs, std::string_v
 // the table does not know).
 void SetChecked(JsonBag& bag, std::span<const SettingSpec> specs, std::string_view key, double v);
 void SetChecked(JsonBag& bag, std::span<const SettingSpec> specs, std::string_view key, const std::string& v);
+inline void SetChecked(JsonBag& bag, std::span<const SettingSpec> specs, std::string_view key, int v) {
+  SetChecked(bag, specs, key, static_cast<double>(v));
+}
+inline void SetChecked(JsonBag& bag, std::span<const SettingSpec>, std::string_view key, bool v) {
+  bag.Set(key, v);
+}
 
 // One row of a table kept as an X-macro list: the kind picks where the
 // default goes.

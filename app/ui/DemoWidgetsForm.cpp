@@ -1,5 +1,7 @@
 #include "app/ui/DemoWidgetsForm.h"
 
+#include "platform/Bytes.h"
+#include "platform/DrawingContext.h"
 #include "platform/stock/StockDrawing.h"
 #include "platform/stock/StockWidgets.h"
 #include "platform/stock/cwDropDown.h"
@@ -7,10 +9,89 @@
 #include "platform/stock/cwMenu.h"
 #include "platform/stock/cwScrollBar.h"
 #include "platform/stock/cwTree.h"
+#include "platform/ui/PlatformRoot.h"
 
 namespace qds {
 
-DemoWidgetsForm::DemoWidgetsForm() {
+namespace {
+
+// A line of typed text: characters come in, Backspace takes the last one
+// away. Enough to show typing on the demonstration form.
+class DemoTypedLine : public Widget {
+ public:
+  DemoTypedLine() : Widget("DemoTypedLine") {
+    CanFocus = true;
+    MouseCursor = Cursor::IBeam;
+  }
+  std::string Text;
+  void W_Paint(DrawingContext& ctx, double w, double h) override {
+    ctx.SetSourceColor(StockColor(Palette::Face));
+    ctx.Paint();
+    ctx.SetSourceColor(HasFocus() ? StockColor(Palette::Accent) : StockColor(Palette::Border));
+    ctx.SetLineWidth(1);
+    ctx.Rectangle(0.5, 0.5, w - 1, h - 1);
+    ctx.Stroke();
+    ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
+    ctx.DrawText(6, 0, w - 12, h, Text, true, TextAlign::Left, TextAlign::Middle);
+  }
+  bool W_MouseDown(int button, int, double, double) override {
+    if (button != Button::Left) return false;
+    SetFocus();
+    return true;
+  }
+  void W_KeyPress(int& keyAscii) override {
+    if (keyAscii < 32) return;
+    Text += EncodeUtf8(static_cast<char32_t>(keyAscii));
+    keyAscii = 0;
+    Refresh();
+  }
+  void W_KeyDown(int& keyCode, int) override {
+    if (keyCode != Key::Back) return;
+    // The last character, not the last byte.
+    std::u32string chars = DecodeUtf8(Text);
+    if (!chars.empty()) chars.pop_back();
+    Text = EncodeUtf8(chars);
+    keyCode = 0;
+    Refresh();
+  }
+  void W_ReportState(WidgetState& state) const override { state.text = Text; }
+};
+
+// A question with Yes and No; Return says yes, Escape and the close box no.
+class DemoAskForm : public cfForm {
+ public:
+  DemoAskForm() : cfForm("DemoAskForm") {
+    Caption = "Question";
+    Move(0, 0, 240, 100);
+    BackColor = StockColor(Palette::Back);
+    auto& question = static_cast<cwLabel&>(Children().Add(CreateWidget("cwLabel"), "lblQuestion"));
+    question.Caption = "Keep the changes?";
+    question.Move(10, 14, 220, 20);
+    auto& yes = static_cast<cwButton&>(Children().Add(CreateWidget("cwButton"), "btnYes"));
+    yes.Caption = "&Yes";
+    yes.Move(40, 56, 80, 26);
+    yes.Click = [this] { Answer("Yes"); };
+    auto& no = static_cast<cwButton&>(Children().Add(CreateWidget("cwButton"), "btnNo"));
+    no.Caption = "&No";
+    no.Move(130, 56, 80, 26);
+    no.Click = [this] { Answer("No"); };
+  }
+  std::string Answered = "No";
+  void Form_KeyDown(int& keyCode, int) override {
+    if (keyCode == Key::Return) Answer("Yes");
+    if (keyCode == Key::Escape) Answer("No");
+  }
+
+ private:
+  void Answer(const std::string& answer) {
+    Answered = answer;
+    Close();
+  }
+};
+
+}  // namespace
+
+DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   Caption = "Quillaron Design Studio: widgets";
   Move(0, 0, 580, 250);
   Sizable = true;
@@ -64,7 +145,9 @@ DemoWidgetsForm::DemoWidgetsForm() {
   auto& more = static_cast<cwButton&>(Children().Add(CreateWidget("cwButton"), "btnMenu"));
   more.Caption = "Menu";
   more.Move(230, 130, 110, 26);
-  more.Click = [&menu, &more] { menu.ShowPopup("Demo", more.Left(), more.Top() + more.Height(), more.Top()); };
+  more.Click = [&menu, &more] {
+    menu.ShowPopup("Demo", more.Left(), more.Top() + more.Height(), more.Top());
+  };
   menu.Click = [this](const std::string& key) {
     status_->Caption = "Chosen: " + key;
     status_->Refresh();
@@ -85,6 +168,13 @@ DemoWidgetsForm::DemoWidgetsForm() {
     drop.Refresh();
   };
 
+  auto& ask = static_cast<cwButton&>(Children().Add(CreateWidget("cwButton"), "btnAsk"));
+  ask.Caption = "Ask…";
+  ask.Move(230, 166, 110, 26);
+  ask.Click = [this] { Ask(); };
+  auto& typed = Children().Add(std::make_unique<DemoTypedLine>(), "txtTyped");
+  typed.Move(380, 174, 190, 24);
+
   status_ = &static_cast<cwStatusBar&>(Children().Add(CreateWidget("cwStatusBar"), "sbStatus"));
   status_->Caption = "Clicks: 0";
   W_Resize();
@@ -94,6 +184,14 @@ DemoWidgetsForm::DemoWidgetsForm() {
     status_->Caption = "Clicks: " + std::to_string(Clicks);
     status_->Refresh();
   };
+}
+
+void DemoWidgetsForm::Ask() {
+  DemoAskForm dialog;
+  dialog.setZoom(Zoom());
+  if (PlatformRoot* root = PlatformRoot::Current()) root->RunModal(dialog);
+  status_->Caption = "Answer: " + dialog.Answered;
+  status_->Refresh();
 }
 
 void DemoWidgetsForm::W_Resize() {

@@ -122,6 +122,11 @@ void cwButton::W_KeyDown(int& keyCode, int) {
   }
 }
 
+void cwButton::W_ReportState(WidgetState& state) const {
+  state.caption = Caption;
+  if (Checkable) state.checked = Checked;
+}
+
 void cwLabel::W_Paint(DrawingContext& ctx, double w, double h) {
   ctx.SelectFont(kUiFont, kUiFontSize,
                  EnabledInTree() ? StockColor(Palette::Text) : StockColor(Palette::Disabled));

@@ -9,7 +9,7 @@ namespace qds {
 
 class DropDownPopUp : public cfForm {
  public:
-  explicit DropDownPopUp(cwDropDown& owner) : owner_(&owner) {
+  explicit DropDownPopUp(cwDropDown& owner) : cfForm("DropDownPopUp"), owner_(&owner) {
     PopUp = true;
     BackColor = StockColor(Palette::Face);
   }

@@ -144,4 +144,19 @@ void cwListBase::W_KeyDown(int& keyCode, int) {
   keyCode = 0;
 }
 
+void cwListBase::W_ReportState(WidgetState& state) const {
+  state.listCount = ListCount();
+  state.listIndex = index_;
+  state.scrollIndex = top_;
+  state.selected = index_ >= 0 ? std::vector<int>{index_} : std::vector<int>{};
+  if (index_ >= 0) state.text = rows_[index_].text;
+}
+
+WidgetPoint cwListBase::W_RowPoint(int row) {
+  // Only a row the user can see can be pointed at.
+  if (row < top_ || row >= ListCount() || row >= top_ + RowsShown()) return {};
+  const double w = bar_->Visible() ? Width() - kBarWidth : Width();
+  return {this, w / 2, (row - top_ + 0.5) * RowHeight};
+}
+
 }  // namespace qds

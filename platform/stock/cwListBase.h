@@ -27,6 +27,8 @@ class cwListBase : public Widget {
   bool W_DblClick(int button, int shift, double x, double y) override;
   bool W_MouseWheel(int delta, int shift, double x, double y) override;
   void W_KeyDown(int& keyCode, int shift) override;
+  void W_ReportState(WidgetState& state) const override;
+  WidgetPoint W_RowPoint(int row) override;
 
  protected:
   struct Row {

@@ -38,7 +38,7 @@ class MenuPopUp : public cfForm {
   }
 
   MenuPopUp(cwMenu& menu, MenuPopUp* parent, std::vector<cwMenu::MenuItem> rows)
-      : menu_(&menu), parent_(parent), rows_(std::move(rows)) {
+      : cfForm("MenuPopUp"), menu_(&menu), parent_(parent), rows_(std::move(rows)) {
     PopUp = true;
     OpenedFrom = parent;
     BackColor = StockColor(Palette::Face);
@@ -120,6 +120,14 @@ class MenuPopUp : public cfForm {
     if (child_) child_->Detach();
   }
   MenuPopUp* Child() const { return child_.get(); }
+  // The middle of the row of `key` here or in a sub-menu open from here.
+  WidgetPoint ItemPoint(const std::string& key) {
+    if (!Showing()) return {};
+    for (size_t i = 0; i < rows_.size(); ++i) {
+      if (rows_[i].key == key) return {this, Width() / 2, (static_cast<double>(i) + 0.5) * kRowHeight};
+    }
+    return child_ ? child_->ItemPoint(key) : WidgetPoint{};
+  }
 
  private:
   int RowOfLetter(int keyCode) const {
@@ -232,6 +240,16 @@ void cwMenu::PopupGone(const std::string& chosen) {
   }
   if (MenuDestroyed) MenuDestroyed();
   RaiseBubblingEvent("MenuDestroyed");
+}
+
+void cwMenu::W_ReportState(WidgetState& state) const {
+  std::vector<WidgetState::Item> items;
+  for (const MenuItem& item : items_) items.push_back({item.key, item.caption, item.enabled, false});
+  state.items = std::move(items);
+}
+
+WidgetPoint cwMenu::W_ItemPoint(const std::string& key) {
+  return popup_ ? static_cast<MenuPopUp&>(*popup_).ItemPoint(key) : WidgetPoint{};
 }
 
 }  // namespace qds

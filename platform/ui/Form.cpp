@@ -66,7 +66,7 @@ bool Within(const Widget& ancestor, const Widget* w) {
 
 }  // namespace
 
-cfForm::cfForm() : Widget("cfForm") {
+cfForm::cfForm(std::string typeName) : Widget(std::move(typeName)) {
   CanFocus = true;
 }
 
@@ -201,7 +201,8 @@ void cfForm::Route(Widget* start, double fx, double fy, const char* name, int bu
     double ox, oy;
     w->FormPosition(ox, oy);
     bool taken = false;
-    RunHandler(w->TypeName() + ":" + name, HandlerMode::Report, [&] { taken = handler(*w, fx - ox, fy - oy); });
+    RunHandler(w->TypeName() + ":" + name, HandlerMode::Report,
+               [&] { taken = handler(*w, fx - ox, fy - oy); });
     if (taken) break;
   }
   // Then the event goes up the tree by name, from the widget it was meant for.
@@ -215,7 +216,7 @@ void cfForm::Route(Widget* start, double fx, double fy, const char* name, int bu
 // The tip of the widget the mouse rests on: a small pop-up under the mouse.
 class ToolTipForm : public cfForm {
  public:
-  explicit ToolTipForm(const std::string& text) {
+  explicit ToolTipForm(const std::string& text) : cfForm("ToolTipForm") {
     Caption = text;
     PopUp = true;
     TakesKeyboard = false;
@@ -311,7 +312,8 @@ void cfForm::MouseDown(int button, int shift, double x, double y) {
   if (const int edges = button == Button::Left ? ResizeEdgeAt(x, y) : 0) {
     resizing_ = edges;
     grabX_ = Left() + x, grabY_ = Top() + y;
-    grabRect_[0] = Left(), grabRect_[1] = Top(), grabRect_[2] = Width() * zoom_, grabRect_[3] = Height() * zoom_;
+    grabRect_[0] = Left(), grabRect_[1] = Top(), grabRect_[2] = Width() * zoom_,
+    grabRect_[3] = Height() * zoom_;
     return;
   }
   Widget* target = capture_ ? capture_ : &HitTest(x, y);
@@ -392,7 +394,7 @@ void cfForm::MouseWheel(int delta, int shift, double x, double y) {
 void cfForm::KeyDown(int keyCode, int shift) {
   if (disabledByModal_) return;
   HideToolTip();
-  RunHandler("cfForm:Form_KeyDown", HandlerMode::Report, [&] { Form_KeyDown(keyCode, shift); });
+  RunHandler(TypeName() + ":Form_KeyDown", HandlerMode::Report, [&] { Form_KeyDown(keyCode, shift); });
   if (keyCode == 0) return;
   if ((shift & Shift::Alt) && keyCode >= 'A' && keyCode <= 'Z' &&
       AccessKey(*this, static_cast<char>(keyCode))) {

@@ -18,7 +18,8 @@ constexpr int ControlMenu = 0, Code = 1;
 
 class cfForm : public Widget {
  public:
-  cfForm();
+  // The type name is the form's name in scripts and dumps.
+  explicit cfForm(std::string typeName = "cfForm");
   ~cfForm() override;
 
   std::string Caption;

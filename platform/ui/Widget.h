@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,9 +21,9 @@ class Widget;
 
 // Key codes and flags as the program's handlers expect them.
 namespace Key {
-constexpr int Back = 8, Tab = 9, Return = 13, ShiftKey = 16, Control = 17, AltKey = 18, Escape = 27, Space = 32,
-              PageUp = 33, PageDown = 34, End = 35, Home = 36, Left = 37, Up = 38, Right = 39, Down = 40,
-              PrintScreen = 44, Insert = 45, Delete = 46, Numpad0 = 96, F1 = 112;
+constexpr int Back = 8, Tab = 9, Return = 13, ShiftKey = 16, Control = 17, AltKey = 18, Escape = 27,
+              Space = 32, PageUp = 33, PageDown = 34, End = 35, Home = 36, Left = 37, Up = 38, Right = 39,
+              Down = 40, PrintScreen = 44, Insert = 45, Delete = 46, Numpad0 = 96, F1 = 112;
 }
 namespace Shift {
 constexpr int None = 0, ShiftKey = 1, Ctrl = 2, Alt = 4;
@@ -34,6 +35,28 @@ namespace Cursor {
 constexpr int Arrow = 32512, Wait = 32514, Hand = 32649, IBeam = 32513, SizeNWSE = 32642, SizeNESW = 32643,
               SizeWE = 32644, SizeNS = 32645, SizeAll = 32646;
 }
+
+// What a widget shows a user, for the automation's dump and `expect`: each
+// class fills in the parts it has and leaves the others unset.
+struct WidgetState {
+  struct Item {
+    std::string key, caption;
+    bool enabled = true, checked = false;
+  };
+  std::optional<std::string> caption, text;
+  std::optional<double> value, min, max;
+  std::optional<bool> checked;
+  std::optional<int> listCount, listIndex, scrollIndex;
+  std::optional<std::vector<int>> selected;
+  std::optional<std::vector<Item>> items;
+};
+
+// A point a script can aim at inside a part of a widget (a row, an item),
+// in logical units of `widget`, which may be a pop-up the widget opened.
+struct WidgetPoint {
+  Widget* widget = nullptr;  // none: the part is not there or not shown
+  double x = 0, y = 0;
+};
 
 // The children of a widget, owned, in paint order (the last is on top).
 class Widgets {
@@ -154,6 +177,17 @@ class Widget {
   // An event raised by a widget below this one, on its way to the form.
   virtual void W_BubblingEvent(Widget& source, const std::string& name, const std::vector<Value>& args) {
     (void)source, (void)name, (void)args;
+  }
+  // The widget's own state (caption, value, rows, ...) for the automation.
+  virtual void W_ReportState(WidgetState& state) const { (void)state; }
+  // Where a row, or an item by its key, is shown now; none when it is not.
+  virtual WidgetPoint W_RowPoint(int row) {
+    (void)row;
+    return {};
+  }
+  virtual WidgetPoint W_ItemPoint(const std::string& key) {
+    (void)key;
+    return {};
   }
 
  private:

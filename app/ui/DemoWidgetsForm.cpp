@@ -39,20 +39,20 @@ class DemoTypedLine : public Widget {
     SetFocus();
     return true;
   }
-  void W_KeyPress(int& keyAscii) override {
-    if (keyAscii < 32) return;
+  bool W_KeyPress(int keyAscii) override {
+    if (keyAscii < 32) return false;
     Text += EncodeUtf8(static_cast<char32_t>(keyAscii));
-    keyAscii = 0;
     Refresh();
+    return true;
   }
-  void W_KeyDown(int& keyCode, int) override {
-    if (keyCode != Key::Back) return;
+  bool W_KeyDown(int keyCode, int) override {
+    if (keyCode != Key::Back) return false;
     // The last character, not the last byte.
     std::u32string chars = DecodeUtf8(Text);
     if (!chars.empty()) chars.pop_back();
     Text = EncodeUtf8(chars);
-    keyCode = 0;
     Refresh();
+    return true;
   }
   void W_ReportState(WidgetState& state) const override { state.text = Text; }
 };
@@ -77,9 +77,10 @@ class DemoAskForm : public cfForm {
     no.Click = [this] { Answer("No"); };
   }
   std::string Answered = "No";
-  void Form_KeyDown(int& keyCode, int) override {
-    if (keyCode == Key::Return) Answer("Yes");
-    if (keyCode == Key::Escape) Answer("No");
+  bool Form_KeyDown(int keyCode, int) override {
+    if (keyCode != Key::Return && keyCode != Key::Escape) return false;
+    Answer(keyCode == Key::Return ? "Yes" : "No");
+    return true;
   }
 
  private:

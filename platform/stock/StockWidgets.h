@@ -27,7 +27,7 @@ class cwButton : public Widget {
   bool W_MouseUp(int button, int shift, double x, double y) override;
   void W_MouseEnter() override { Refresh(); }
   void W_MouseLeave() override { Refresh(); }
-  void W_KeyDown(int& keyCode, int shift) override;
+  bool W_KeyDown(int keyCode, int shift) override;
   bool W_AccessKey(char letter) override;
   void W_ReportState(WidgetState& state) const override;
 

@@ -84,7 +84,7 @@ class MenuPopUp : public cfForm {
     if (button == Button::Left) Choose(RowAt(y));
     return true;
   }
-  void Form_KeyDown(int& keyCode, int) override {
+  bool Form_KeyDown(int keyCode, int) override {
     const int n = static_cast<int>(rows_.size());
     if (keyCode == Key::Escape || (keyCode == Key::Left && parent_)) {
       Close();  // a sub-menu goes back to its parent
@@ -106,9 +106,9 @@ class MenuPopUp : public cfForm {
       Light(row);
       Choose(row);
     } else {
-      return;
+      return false;
     }
-    keyCode = 0;
+    return true;
   }
   void Form_Unload() override {
     CloseChild();
@@ -234,12 +234,8 @@ void cwMenu::ClosePopup() {
 }
 
 void cwMenu::PopupGone(const std::string& chosen) {
-  if (!chosen.empty()) {
-    if (Click) Click(chosen);
-    RaiseBubblingEvent("Click", {Value(chosen)});
-  }
-  if (MenuDestroyed) MenuDestroyed();
-  RaiseBubblingEvent("MenuDestroyed");
+  if (!chosen.empty()) RaiseEvent(Click, "Click", chosen);
+  RaiseEvent(MenuDestroyed, "MenuDestroyed");
 }
 
 void cwMenu::W_ReportState(WidgetState& state) const {

@@ -391,20 +391,31 @@ void cfForm::MouseWheel(int delta, int shift, double x, double y) {
         [&](Widget& w, double lx, double ly) { return w.W_MouseWheel(delta, shift, lx, ly); });
 }
 
+template <class Handler>
+bool cfForm::ClimbKey(const char* name, Handler handler) {
+  // A handler may take its widget out of the tree; its parent is then none.
+  for (Widget* w = focus_; w && w != this; w = w->Parent()) {
+    bool taken = false;
+    RunHandler(w->TypeName() + ":" + name, HandlerMode::Report, [&] { taken = handler(*w); });
+    if (taken) return true;
+  }
+  return false;
+}
+
 void cfForm::KeyDown(int keyCode, int shift) {
   if (disabledByModal_) return;
   HideToolTip();
-  RunHandler(TypeName() + ":Form_KeyDown", HandlerMode::Report, [&] { Form_KeyDown(keyCode, shift); });
-  if (keyCode == 0) return;
   if ((shift & Shift::Alt) && keyCode >= 'A' && keyCode <= 'Z' &&
       AccessKey(*this, static_cast<char>(keyCode))) {
     return;
   }
-  if (Widget* w = focus_) {
-    RunHandler(w->TypeName() + ":W_KeyDown", HandlerMode::Report, [&] { w->W_KeyDown(keyCode, shift); });
-    BubbleKey(w, "W_KeyDown", keyCode, shift);
-  }
-  // Tab, when the focused widget has no use for it, moves the focus on.
+  bool taken = ClimbKey("W_KeyDown", [&](Widget& w) { return w.W_KeyDown(keyCode, shift); });
+  if (!taken)
+    RunHandler(TypeName() + ":Form_KeyDown", HandlerMode::Report,
+               [&] { taken = Form_KeyDown(keyCode, shift); });
+  if (taken) return;
+  BubbleKey("W_KeyDown", keyCode, shift);
+  // Tab, when nobody has a use for it, moves the focus on.
   if (keyCode == Key::Tab && !(shift & Shift::Ctrl)) MoveFocus((shift & Shift::ShiftKey) ? -1 : 1);
 }
 
@@ -440,23 +451,19 @@ void cfForm::MoveFocus(int step) {
 
 void cfForm::KeyUp(int keyCode, int shift) {
   if (disabledByModal_) return;
-  if (Widget* w = focus_) {
-    RunHandler(w->TypeName() + ":W_KeyUp", HandlerMode::Report, [&] { w->W_KeyUp(keyCode, shift); });
-    BubbleKey(w, "W_KeyUp", keyCode, shift);
-  }
+  if (!ClimbKey("W_KeyUp", [&](Widget& w) { return w.W_KeyUp(keyCode, shift); }))
+    BubbleKey("W_KeyUp", keyCode, shift);
 }
 
 void cfForm::KeyPress(int keyAscii) {
   if (disabledByModal_) return;
-  if (Widget* w = focus_) {
-    RunHandler(w->TypeName() + ":W_KeyPress", HandlerMode::Report, [&] { w->W_KeyPress(keyAscii); });
-    BubbleKey(w, "W_KeyPress", keyAscii, 0);
-  }
+  if (!ClimbKey("W_KeyPress", [&](Widget& w) { return w.W_KeyPress(keyAscii); }))
+    BubbleKey("W_KeyPress", keyAscii, 0);
 }
 
-void cfForm::BubbleKey(Widget* w, const char* name, int keyCode, int shift) {
-  // A key the widget used up (cleared to 0) goes no further.
-  if (w != this && keyCode != 0) w->RaiseBubblingEvent(name, {Value(keyCode), Value(shift)});
+void cfForm::BubbleKey(const char* name, int keyCode, int shift) {
+  // A key nobody took is heard by name up the tree from the focused widget.
+  if (focus_ && focus_ != this) focus_->RaiseBubblingEvent(name, {Value(keyCode), Value(shift)});
 }
 
 void cfForm::SetFocusTo(Widget* w) {

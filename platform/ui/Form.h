@@ -101,11 +101,15 @@ class cfForm : public Widget {
   cfForm* ToolTipWindow() const { return tip_.get(); }
   static constexpr double kToolTipDelayMs = 600;
 
-  // Events of the form. Keys reach Form_KeyDown before any widget.
+  // Events of the form. A key comes to Form_KeyDown last, when no widget
+  // from the focused one up took it; it answers whether it took it.
   virtual void Form_BubblingEvent(Widget& source, const std::string& name, const std::vector<Value>& args) {
     (void)source, (void)name, (void)args;
   }
-  virtual void Form_KeyDown(int& keyCode, int shift) { (void)keyCode, (void)shift; }
+  virtual bool Form_KeyDown(int keyCode, int shift) {
+    (void)keyCode, (void)shift;
+    return false;
+  }
   // Whether the form may close; `unloadMode` says who asks.
   virtual bool Form_QueryUnload(int unloadMode) {
     (void)unloadMode;
@@ -118,7 +122,10 @@ class cfForm : public Widget {
   friend class Widgets;
   friend class PlatformRoot;
   void SetFocusTo(Widget* w);
-  void BubbleKey(Widget* w, const char* name, int keyCode, int shift);
+  // Offers a key to the focused widget and up to the form; true when one took it.
+  template <class Handler>
+  bool ClimbKey(const char* name, Handler handler);
+  void BubbleKey(const char* name, int keyCode, int shift);
   bool AccessKey(Widget& w, char letter);
   void MoveFocus(int step);
   void Forget(const Widget& gone);  // a widget left the tree

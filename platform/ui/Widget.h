@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "platform/KeyedCollection.h"
@@ -141,6 +142,15 @@ class Widget {
   // with the arguments of the handler (mouse: button, shift, x, y; keys:
   // key code, shift).
   void RaiseBubblingEvent(const std::string& name, const std::vector<Value>& args = {});
+  // Tells an event through both channels at once, so that they cannot
+  // drift apart: the typed callback, when one is set, and then the
+  // bubbling event of that name with the same arguments.
+  template <class... Args>
+  void RaiseEvent(const std::function<void(Args...)>& callback, const std::string& name,
+                  std::type_identity_t<Args>... args) {
+    if (callback) callback(args...);
+    RaiseBubblingEvent(name, {Value(args)...});
+  }
 
   // Events. Mouse handlers answer whether they took the input; what a
   // widget leaves goes to its parent. Coordinates are logical, relative to
@@ -159,10 +169,11 @@ class Widget {
   virtual void W_Resize() {}
   virtual void W_MouseEnter() {}
   virtual void W_MouseLeave() {}
-  // Key handlers may change or clear (0) the code they are given.
-  virtual void W_KeyDown(int& keyCode, int shift) { (void)keyCode, (void)shift; }
-  virtual void W_KeyUp(int& keyCode, int shift) { (void)keyCode, (void)shift; }
-  virtual void W_KeyPress(int& keyAscii) { (void)keyAscii; }
+  // Keys go to the focused widget. A handler answers whether it took the
+  // key; one it leaves climbs to the widget's parent, and on to the form.
+  virtual bool W_KeyDown(int keyCode, int shift) { return Ignore(keyCode, shift, 0, 0); }
+  virtual bool W_KeyUp(int keyCode, int shift) { return Ignore(keyCode, shift, 0, 0); }
+  virtual bool W_KeyPress(int keyAscii) { return Ignore(keyAscii, 0, 0, 0); }
   // A drag of the program ended over this widget.
   virtual void W_DragDrop(const std::string& dataKey, Widget& source, double x, double y) {
     (void)dataKey, (void)source, (void)x, (void)y;

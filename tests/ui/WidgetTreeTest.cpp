@@ -43,10 +43,15 @@ struct Probe : Widget {
   void W_MouseLeave() override { log.push_back("leave"); }
   void W_GotFocus() override { log.push_back("got focus"); }
   void W_LostFocus() override { log.push_back("lost focus"); }
-  void W_KeyDown(int& key, int shift) override {
+  int takesKey = 0;  // the one key it uses
+  bool W_KeyDown(int key, int shift) override {
     log.push_back("key " + std::to_string(key) + "/" + std::to_string(shift));
+    return key == takesKey;
   }
-  void W_KeyPress(int& ascii) override { log.push_back(std::string("press ") + char(ascii)); }
+  bool W_KeyPress(int ascii) override {
+    log.push_back(std::string("press ") + char(ascii));
+    return false;
+  }
   std::vector<std::string> heard;  // events bubbling up from below
   void W_BubblingEvent(Widget& source, const std::string& name, const std::vector<Value>&) override {
     heard.push_back(source.Key() + ":" + name);
@@ -56,7 +61,7 @@ struct Probe : Widget {
 struct TestForm : cfForm {
   std::vector<std::string> bubbled;
   std::vector<int> keys;
-  bool swallowEscape = false;
+  bool takesEscape = false;
   bool keepOnCloseBox = false;
   int unloaded = 0;
   bool Form_QueryUnload(int mode) override { return !(keepOnCloseBox && mode == UnloadMode::ControlMenu); }
@@ -64,9 +69,9 @@ struct TestForm : cfForm {
   void Form_BubblingEvent(Widget& source, const std::string& name, const std::vector<Value>& args) override {
     bubbled.push_back(source.Key() + ":" + name + (args.empty() ? "" : ":" + args[0].AsString()));
   }
-  void Form_KeyDown(int& key, int) override {
+  bool Form_KeyDown(int key, int) override {
     keys.push_back(key);
-    if (swallowEscape && key == Key::Escape) key = 0;
+    return takesEscape && key == Key::Escape;
   }
 };
 
@@ -177,20 +182,28 @@ TEST_F(Ui, MouseGoesToTheDeepestWidgetThenUpAndFollowsTheCapture) {
   EXPECT_TRUE(child->log.empty());
 }
 
-TEST_F(Ui, KeysReachTheFormFirstThenTheFocusAndEventsBubble) {
+TEST_F(Ui, KeysClimbFromTheFocusToTheFormAndEventsBubble) {
   child->SetFocus();
+  child->takesKey = Key::Left;
+  panel->takesKey = Key::Up;
+  form.takesEscape = true;
+  // The focused widget takes Left; Up climbs to the panel, which takes it;
+  // Escape climbs past both to the form; F1 nobody takes.
   backend->Push({UiEvent::Type::KeyDown, &form, 0, Shift::Ctrl, Key::Left, 0, 0});
-  backend->Push({UiEvent::Type::KeyPress, &form, 0, 0, 'q', 0, 0});
-  form.swallowEscape = true;
+  backend->Push({UiEvent::Type::KeyDown, &form, 0, 0, Key::Up, 0, 0});
   backend->Push({UiEvent::Type::KeyDown, &form, 0, 0, Key::Escape, 0, 0});
+  backend->Push({UiEvent::Type::KeyDown, &form, 0, 0, Key::F1, 0, 0});
+  backend->Push({UiEvent::Type::KeyPress, &form, 0, 0, 'q', 0, 0});
   root.DoEvents();
-  EXPECT_EQ(form.keys, (std::vector<int>{Key::Left, Key::Escape}));
-  EXPECT_EQ(child->log, (std::vector<std::string>{"got focus", "key 37/2", "press q"}));  // no Escape
+  EXPECT_EQ(child->log, (std::vector<std::string>{"got focus", "key 37/2", "key 38/0", "key 27/0",
+                                                  "key 112/0", "press q"}));
+  EXPECT_EQ(panel->log, (std::vector<std::string>{"key 38/0", "key 27/0", "key 112/0", "press q"}));
+  EXPECT_EQ(form.keys, (std::vector<int>{Key::Escape, Key::F1}));
 
   // The platform's own events bubble by name with their arguments, each
-  // ancestor hearing them before the form; a key the form swallowed does not.
+  // ancestor hearing them before the form; a key somebody took does not.
   child->RaiseBubblingEvent("Click", {Value(3)});
-  EXPECT_EQ(form.bubbled, (std::vector<std::string>{"child:W_GotFocus", "child:W_KeyDown:37",
+  EXPECT_EQ(form.bubbled, (std::vector<std::string>{"child:W_GotFocus", "child:W_KeyDown:112",
                                                     "child:W_KeyPress:113", "child:Click:3"}));
   EXPECT_EQ(panel->heard, (std::vector<std::string>{"child:W_GotFocus", "child:W_KeyDown", "child:W_KeyPress",
                                                     "child:Click"}));

@@ -64,14 +64,14 @@ class DemoAskForm : public cfForm {
     Caption = "Question";
     Move(0, 0, 240, 100);
     BackColor = StockColor(Palette::Back);
-    auto& question = static_cast<cwLabel&>(Children().Add(CreateWidget("cwLabel"), "lblQuestion"));
+    auto& question = Children().Add<cwLabel>("lblQuestion");
     question.Caption = "Keep the changes?";
     question.Move(10, 14, 220, 20);
-    auto& yes = static_cast<cwButton&>(Children().Add(CreateWidget("cwButton"), "btnYes"));
+    auto& yes = Children().Add<cwButton>("btnYes");
     yes.Caption = "&Yes";
     yes.Move(40, 56, 80, 26);
     yes.Click = [this] { Answer("Yes"); };
-    auto& no = static_cast<cwButton&>(Children().Add(CreateWidget("cwButton"), "btnNo"));
+    auto& no = Children().Add<cwButton>("btnNo");
     no.Caption = "&No";
     no.Move(130, 56, 80, 26);
     no.Click = [this] { Answer("No"); };
@@ -100,50 +100,50 @@ DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   BackColor = StockColor(Palette::Back);
   setIconKey("Logo");
 
-  auto& frame = static_cast<cwFrame&>(Children().Add(CreateWidget("cwFrame"), "frmButtons"));
+  auto& frame = Children().Add<cwFrame>("frmButtons");
   frame.Caption = "cwButton";
   frame.Move(10, 10, 200, 110);
-  auto& ok = static_cast<cwButton&>(frame.Children().Add(CreateWidget("cwButton"), "btnOk"));
+  auto& ok = frame.Children().Add<cwButton>("btnOk");
   ok.Caption = "Ok";
   ok.Move(10, 24, 80, 26);
-  auto& save = static_cast<cwButton&>(frame.Children().Add(CreateWidget("cwButton"), "btnSave"));
+  auto& save = frame.Children().Add<cwButton>("btnSave");
   save.Caption = "&Save";
   save.ToolTip = "Alt+S presses it too";
   save.PictureKey = "Logo";
   save.Move(100, 24, 90, 26);
-  auto& ruler = static_cast<cwButton&>(frame.Children().Add(CreateWidget("cwButton"), "chkRuler"));
+  auto& ruler = frame.Children().Add<cwButton>("chkRuler");
   ruler.Caption = "Ruler";
   ruler.Checkable = true;
   ruler.Checked = true;
   ruler.Move(10, 66, 80, 26);
-  auto& off = static_cast<cwButton&>(frame.Children().Add(CreateWidget("cwButton"), "btnOff"));
+  auto& off = frame.Children().Add<cwButton>("btnOff");
   off.Caption = "Disabled";
   off.Move(100, 66, 90, 26);
   off.setEnabled(false);
 
-  auto& logo = static_cast<cwImage&>(Children().Add(CreateWidget("cwImage"), "imgLogo"));
+  auto& logo = Children().Add<cwImage>("imgLogo");
   logo.PictureKey = "Logo";
   logo.Move(230, 16, 110, 100);
 
-  auto& label = static_cast<cwLabel&>(Children().Add(CreateWidget("cwLabel"), "lblText"));
+  auto& label = Children().Add<cwLabel>("lblText");
   label.Caption = "cwLabel: wrapped text that runs on to a second line inside its box";
   label.WordWrap = true;
   label.Move(10, 130, 200, 40);
-  auto& vertical = static_cast<cwScrollBar&>(Children().Add(CreateWidget("cwVScrollBar"), "vsbDemo"));
+  auto& vertical = Children().Add<cwVScrollBar>("vsbDemo");
   vertical.Move(352, 10, 16, 200);
   vertical.setValue(30);
-  auto& horizontal = static_cast<cwScrollBar&>(Children().Add(CreateWidget("cwHScrollBar"), "hsbDemo"));
+  auto& horizontal = Children().Add<cwHScrollBar>("hsbDemo");
   horizontal.Move(10, 180, 200, 16);
   horizontal.setValue(70);
 
-  auto& menu = static_cast<cwMenu&>(Children().Add(CreateWidget("cwMenu"), "mnuDemo"));
+  auto& menu = Children().Add<cwMenu>("mnuDemo");
   menu.AddItem("Demo>Open", "&Open…", "Logo");
   menu.AddItem("Demo>Save", "Save", {}, false);
   menu.AddItem("Demo>Close", "&Close");
   menu.AddItem("Demo>Export", "&Export");
   menu.AddItem("Demo>Export>Png", "PNG");
   menu.AddItem("Demo>Export>Ico", "ICO");
-  auto& more = static_cast<cwButton&>(Children().Add(CreateWidget("cwButton"), "btnMenu"));
+  auto& more = Children().Add<cwButton>("btnMenu");
   more.Caption = "Menu";
   more.Move(230, 130, 110, 26);
   more.Click = [&menu, &more] {
@@ -154,13 +154,13 @@ DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
     status_->Refresh();
   };
 
-  auto& tree = static_cast<cwTree&>(Children().Add(CreateWidget("cwTree"), "treDemo"));
+  auto& tree = Children().Add<cwTree>("treDemo");
   tree.Move(380, 10, 190, 120);
   tree.setNodes({{"styles", "Styles", {}, {{"line", "Line", {}, {}}, {"solid", "Solid", {}, {}}}, true},
                  {"themes", "Themes", {}, {{"web", "Web", {}, {}}}}});
   tree.Select("solid");
 
-  auto& drop = static_cast<cwDropDown&>(Children().Add(CreateWidget("cwDropDown"), "ddDemo"));
+  auto& drop = Children().Add<cwDropDown>("ddDemo");
   drop.Caption = "cwDropDown";
   drop.Move(380, 140, 190, 24);
   auto& folders = static_cast<cwDirList&>(drop.setContent(CreateWidget("cwDirList")));
@@ -169,14 +169,14 @@ DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
     drop.Refresh();
   };
 
-  auto& ask = static_cast<cwButton&>(Children().Add(CreateWidget("cwButton"), "btnAsk"));
+  auto& ask = Children().Add<cwButton>("btnAsk");
   ask.Caption = "Ask…";
   ask.Move(230, 166, 110, 26);
   ask.Click = [this] { Ask(); };
-  auto& typed = Children().Add(std::make_unique<DemoTypedLine>(), "txtTyped");
+  auto& typed = Children().Add<DemoTypedLine>("txtTyped");
   typed.Move(380, 174, 190, 24);
 
-  status_ = &static_cast<cwStatusBar&>(Children().Add(CreateWidget("cwStatusBar"), "sbStatus"));
+  status_ = &Children().Add<cwStatusBar>("sbStatus");
   status_->Caption = "Clicks: 0";
   W_Resize();
 

@@ -71,7 +71,7 @@ class MenuPopUp : public cfForm {
   }
   bool W_MouseMove(int, int, double, double y) override {
     const int row = RowAt(y);
-    Light(row);
+    HighlightRow(row);
     // Resting on an item with items opens them; on another, closes them.
     if (row >= 0 && hasItems_[row] && rows_[row].enabled) {
       OpenChild(row);
@@ -95,7 +95,7 @@ class MenuPopUp : public cfForm {
       for (int tries = 0; tries < n; ++tries) {
         at = (at + step) % n;
         if (rows_[at].enabled) {
-          Light(at);
+          HighlightRow(at);
           break;
         }
       }
@@ -103,7 +103,7 @@ class MenuPopUp : public cfForm {
       Choose(lit_);
     } else if (const int row = RowOfLetter(keyCode); row >= 0) {
       // An item's marked letter chooses it, with Alt or without.
-      Light(row);
+      HighlightRow(row);
       Choose(row);
     } else {
       return false;
@@ -141,7 +141,7 @@ class MenuPopUp : public cfForm {
     const int row = static_cast<int>(y / kRowHeight);
     return y >= 0 && row < static_cast<int>(rows_.size()) ? row : -1;
   }
-  void Light(int row) {
+  void HighlightRow(int row) {
     if (row == lit_) return;
     lit_ = row;
     Refresh();

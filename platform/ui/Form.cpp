@@ -482,7 +482,7 @@ void cfForm::SetFocusTo(Widget* w) {
   }
 }
 
-void cfForm::Forget(const Widget& gone) {
+void cfForm::DropReferencesTo(const Widget& gone) {
   if (Within(gone, focus_)) focus_ = nullptr;
   if (Within(gone, capture_)) capture_ = nullptr;
   if (Within(gone, clickTarget_)) clickTarget_ = nullptr;

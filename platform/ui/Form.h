@@ -128,7 +128,7 @@ class cfForm : public Widget {
   void BubbleKey(const char* name, int keyCode, int shift);
   bool AccessKey(Widget& w, char letter);
   void MoveFocus(int step);
-  void Forget(const Widget& gone);  // a widget left the tree
+  void DropReferencesTo(const Widget& gone);  // a widget left the tree
   template <class Handler>
   void Route(Widget* start, double fx, double fy, const char* name, int button, int shift, Handler handler);
   void UpdateHover(Widget* now);

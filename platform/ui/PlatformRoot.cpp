@@ -23,7 +23,7 @@ PlatformRoot::PlatformRoot(std::unique_ptr<UiBackend> backend)
 }
 
 PlatformRoot::~PlatformRoot() {
-  BuryTheDead();
+  ReleaseRemovedWidgets();
   current = previous_;
 }
 
@@ -221,10 +221,10 @@ void PlatformRoot::RunDeferred() {
     work.swap(deferred_);
     for (auto& w : work) RunHandler("DeferredInvoke", HandlerMode::Report, w);
   }
-  BuryTheDead();
+  ReleaseRemovedWidgets();
 }
 
-void PlatformRoot::BuryTheDead() {
+void PlatformRoot::ReleaseRemovedWidgets() {
   // A widget going may hand over others (a menu its pop-up).
   while (!graveyard_.empty()) {
     std::vector<std::shared_ptr<Widget>> dead;
@@ -251,7 +251,7 @@ bool PlatformRoot::Busy() const {
          std::any_of(forms_.begin(), forms_.end(), [](const cfForm* f) { return f->Dirty(); });
 }
 
-bool PlatformRoot::Turn(double waitMs) {
+bool PlatformRoot::ProcessOnce(double waitMs) {
   UiEvent e;
   bool any = false;
   // Pictures still to paint, and work deferred while painting, must not
@@ -285,12 +285,12 @@ void PlatformRoot::Idle() {
 }
 
 void PlatformRoot::DoEvents() {
-  Turn(0);
+  ProcessOnce(0);
 }
 
 void PlatformRoot::RunMessageLoop() {
   while (!forms_.empty() && !quitting_) {
-    Turn(NextTimerIn());
+    ProcessOnce(NextTimerIn());
     if (!forms_.empty()) Idle();
   }
 }
@@ -306,7 +306,7 @@ void PlatformRoot::RunModal(cfForm& dialog) {
   dialog.modal_ = true;
   dialog.Show();
   while (dialog.Showing() && !quitting_) {
-    Turn(NextTimerIn());
+    ProcessOnce(NextTimerIn());
     if (dialog.Showing()) Idle();
   }
   dialog.modal_ = false;

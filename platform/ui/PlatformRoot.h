@@ -134,11 +134,13 @@ class PlatformRoot {
   void Dispatch(const UiEvent& e);
   void FireDueTimers();
   void RunDeferred();
-  void BuryTheDead();
+  void ReleaseRemovedWidgets();
   void PaintAll();
   void EndDrag();
   double NextTimerIn();
-  bool Turn(double waitMs);
+  // Events (waiting at most `waitMs` for the first), due timers, deferred
+  // work and painting, once; whether any event came.
+  bool ProcessOnce(double waitMs);
   // Anything to do before the loop may wait: events posted, work deferred, pictures to paint.
   bool Busy() const;
   void Idle();

@@ -59,7 +59,9 @@ struct WidgetPoint {
   double x = 0, y = 0;
 };
 
-// The children of a widget, owned, in paint order (the last is on top).
+// The children of a widget, in paint order (the last is on top). They are
+// held shared, so that one removed in the middle of an event lives on to
+// the end of the turn.
 class Widgets {
  public:
   explicit Widgets(Widget& owner) : owner_(owner) {}
@@ -69,6 +71,11 @@ class Widgets {
     W& ref = *widget;
     AddWidget(std::unique_ptr<Widget>(std::move(widget)), key);
     return ref;
+  }
+  // Makes a W of the arguments and adds it: Add<cwButton>("btnOk").
+  template <class W, class... Args>
+  W& Add(std::string_view key, Args&&... args) {
+    return Add(std::make_unique<W>(std::forward<Args>(args)...), key);
   }
   void Remove(std::string_view key);
   void Remove(Widget& widget);
@@ -96,6 +103,12 @@ class Widget {
   cfForm* Form() const;
   Widgets& Children() { return children_; }
   const Widgets& Children() const { return children_; }
+  // A widget below this one by its keys, "frmButtons/btnOk"; null when there
+  // is none, or when it is no W.
+  template <class W = Widget>
+  W* Find(std::string_view path) {
+    return dynamic_cast<W*>(FindWidget(path));
+  }
 
   // Geometry in logical units, relative to the parent.
   double Left() const { return left_; }
@@ -205,6 +218,7 @@ class Widget {
   friend class Widgets;
   friend class cfForm;
   static bool Ignore(int, int, double, double) { return false; }
+  Widget* FindWidget(std::string_view path);
 
   std::string typeName_;
   std::string key_;

@@ -266,6 +266,30 @@ TEST_F(Ui, TimersAndDeferredWorkRunOnTheLoop) {
   EXPECT_EQ(fired, 2);
 }
 
+TEST_F(Ui, ARemovedWidgetsTimersStopAtOnceAndWidgetsAreFoundByTheirKeys) {
+  // Made and added in one step, found again by keys without a cast.
+  Probe& inner = child->Children().Add<Probe>("inner", 0x00FF00);
+  EXPECT_EQ(form.Find<Probe>("panel/child/inner"), &inner);
+  EXPECT_EQ(panel->Find("child/inner"), &inner);
+  EXPECT_EQ(form.Find<Probe>("panel/child"), child);
+  EXPECT_EQ(form.Find<cfForm>("panel/child"), nullptr);  // there, but of another class
+  EXPECT_EQ(form.Find("panel/nobody"), nullptr);
+  EXPECT_EQ(form.Find("child"), nullptr);  // keys go down from the widget asked
+
+  // A timer that takes the child away in the turn in which the child's
+  // timer, and that of a widget inside it, are due too: neither fires.
+  int fired = 0;
+  root.SetTimer(panel, 10, [&] {
+    if (panel->Children().Exists("child")) panel->Children().Remove("child");
+  });
+  root.SetTimer(child, 10, [&] { ++fired; });
+  root.SetTimer(&inner, 10, [&] { ++fired; });
+  backend->AdvanceMs(10);
+  root.DoEvents();
+  EXPECT_FALSE(panel->Children().Exists("child"));
+  EXPECT_EQ(fired, 0);
+}
+
 TEST_F(Ui, AModalFormBlocksItsOwnerUntilClosed) {
   TestForm dialog;
   dialog.Move(0, 0, 40, 30);

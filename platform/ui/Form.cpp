@@ -13,15 +13,27 @@ namespace qds {
 
 namespace {
 
-// Paints a widget and, over it, its children, each clipped to itself and
-// with its own top-left corner at the origin.
+// Runs one widget's painting code. One that fails spoils its own picture
+// only: what it left of saved states and paths is put away, and the rest
+// of the repaint goes on.
+template <class Paint>
+void PaintPart(Widget& w, DrawingContext& ctx, const char* name, Paint paint) {
+  const int depth = ctx.SaveDepth();
+  ctx.Save();
+  RunHandler(w.TypeName() + ":" + name, HandlerMode::Silent, paint);
+  while (ctx.SaveDepth() > depth) ctx.Restore();
+  ctx.NewPath();
+}
+
+// Paints a widget, its children over it and then its paint-over, each
+// clipped to itself and with its own top-left corner at the origin.
 // Only widgets that meet the area to paint (x0..x1, y0..y1, in the
 // widget's own units) are asked to paint.
 void PaintTree(Widget& w, DrawingContext& ctx, double x0, double y0, double x1, double y1) {
   ctx.Save();
   ctx.Rectangle(0, 0, w.Width(), w.Height());
   ctx.Clip();
-  w.W_Paint(ctx, w.Width(), w.Height());
+  PaintPart(w, ctx, "W_Paint", [&] { w.W_Paint(ctx, w.Width(), w.Height()); });
   for (int i = 0; i < w.Children().Count(); ++i) {
     Widget& child = w.Children().Item(i);
     if (!child.Visible()) continue;
@@ -32,6 +44,7 @@ void PaintTree(Widget& w, DrawingContext& ctx, double x0, double y0, double x1, 
     PaintTree(child, ctx, x0 - l, y0 - t, x1 - l, y1 - t);
     ctx.Restore();
   }
+  PaintPart(w, ctx, "W_PaintOver", [&] { w.W_PaintOver(ctx, w.Width(), w.Height()); });
   ctx.Restore();
 }
 
@@ -135,22 +148,59 @@ bool cfForm::Close(int unloadMode) {
 
 void cfForm::Invalidate() {
   dirty_ = true;
-  dirtyX0_ = dirtyY0_ = 0;
-  dirtyX1_ = dirtyY1_ = 1e9;
+  dirtyRects_.assign(1, {0, 0, 1e9, 1e9});
 }
 
 void cfForm::InvalidateRect(double x, double y, double w, double h) {
   if (w <= 0 || h <= 0) return;
   // Whole device pixels, a pixel wider for anti-aliased edges.
-  const double x0 = std::floor(x * zoom_) - 1, y0 = std::floor(y * zoom_) - 1;
-  const double x1 = std::ceil((x + w) * zoom_) + 1, y1 = std::ceil((y + h) * zoom_) + 1;
-  if (!dirty_) {
-    dirtyX0_ = x0, dirtyY0_ = y0, dirtyX1_ = x1, dirtyY1_ = y1;
-  } else {
-    dirtyX0_ = std::min(dirtyX0_, x0), dirtyY0_ = std::min(dirtyY0_, y0);
-    dirtyX1_ = std::max(dirtyX1_, x1), dirtyY1_ = std::max(dirtyY1_, y1);
+  DirtyRect r{std::floor(x * zoom_) - 1, std::floor(y * zoom_) - 1, std::ceil((x + w) * zoom_) + 1,
+              std::ceil((y + h) * zoom_) + 1};
+  const auto unite = [](const DirtyRect& a, const DirtyRect& b) {
+    return DirtyRect{std::min(a.x0, b.x0), std::min(a.y0, b.y0), std::max(a.x1, b.x1), std::max(a.y1, b.y1)};
+  };
+  const auto area = [](const DirtyRect& a) { return (a.x1 - a.x0) * (a.y1 - a.y0); };
+  // Rectangles that meet become one, until the new one meets none.
+  for (bool merged = true; merged;) {
+    merged = false;
+    for (std::size_t i = 0; i < dirtyRects_.size(); ++i) {
+      const DirtyRect& d = dirtyRects_[i];
+      if (d.x0 <= r.x1 && r.x0 <= d.x1 && d.y0 <= r.y1 && r.y0 <= d.y1) {
+        r = unite(r, d);
+        dirtyRects_.erase(dirtyRects_.begin() + static_cast<std::ptrdiff_t>(i));
+        merged = true;
+        break;
+      }
+    }
+  }
+  dirtyRects_.push_back(r);
+  // Many small ones cost more than a few larger: the pair whose union adds
+  // the least area becomes one.
+  while (dirtyRects_.size() > kMostDirtyRects) {
+    std::size_t bi = 0, bj = 1;
+    double best = 1e300;
+    for (std::size_t i = 0; i < dirtyRects_.size(); ++i) {
+      for (std::size_t j = i + 1; j < dirtyRects_.size(); ++j) {
+        const double added =
+            area(unite(dirtyRects_[i], dirtyRects_[j])) - area(dirtyRects_[i]) - area(dirtyRects_[j]);
+        if (added < best) best = added, bi = i, bj = j;
+      }
+    }
+    dirtyRects_[bi] = unite(dirtyRects_[bi], dirtyRects_[bj]);
+    dirtyRects_.erase(dirtyRects_.begin() + static_cast<std::ptrdiff_t>(bj));
   }
   dirty_ = true;
+}
+
+cfForm::DeviceRect cfForm::LastPainted() const {
+  if (lastPainted_.empty()) return {};
+  int x0 = lastPainted_[0].x, y0 = lastPainted_[0].y, x1 = x0 + lastPainted_[0].w,
+      y1 = y0 + lastPainted_[0].h;
+  for (const DeviceRect& r : lastPainted_) {
+    x0 = std::min(x0, r.x), y0 = std::min(y0, r.y);
+    x1 = std::max(x1, r.x + r.w), y1 = std::max(y1, r.y + r.h);
+  }
+  return {x0, y0, x1 - x0, y1 - y0};
 }
 
 const SurfacePtr& cfForm::Surface() {
@@ -170,22 +220,26 @@ void cfForm::Paint() {
     return;
   }
   dirty_ = false;
-  const int x0 = static_cast<int>(std::clamp(dirtyX0_, 0.0, static_cast<double>(surface_->Width())));
-  const int y0 = static_cast<int>(std::clamp(dirtyY0_, 0.0, static_cast<double>(surface_->Height())));
-  const int x1 = static_cast<int>(std::clamp(dirtyX1_, 0.0, static_cast<double>(surface_->Width())));
-  const int y1 = static_cast<int>(std::clamp(dirtyY1_, 0.0, static_cast<double>(surface_->Height())));
-  lastPainted_ = {x0, y0, x1 - x0, y1 - y0};
-  if (x1 <= x0 || y1 <= y0) return;
-  DrawingContext ctx(surface_);
-  ctx.Rectangle(x0, y0, x1 - x0, y1 - y0);
-  ctx.Clip();
-  ctx.Scale(zoom_, zoom_);
-  ctx.SetSourceColor(BackColor);
-  ctx.Paint();
-  if (!PictureKey.empty()) DrawPicture(ctx, PictureKey, 0, 0, Width(), Height());
-  // A widget that fails to paint must not take the window with it.
-  RunHandler(TypeName() + ":W_Paint", HandlerMode::Silent,
-             [&] { PaintTree(*this, ctx, x0 / zoom_, y0 / zoom_, x1 / zoom_, y1 / zoom_); });
+  std::vector<DirtyRect> rects;
+  rects.swap(dirtyRects_);
+  lastPainted_.clear();
+  const double sw = surface_->Width(), sh = surface_->Height();
+  for (const DirtyRect& d : rects) {
+    const int x0 = static_cast<int>(std::clamp(d.x0, 0.0, sw)),
+              y0 = static_cast<int>(std::clamp(d.y0, 0.0, sh));
+    const int x1 = static_cast<int>(std::clamp(d.x1, 0.0, sw)),
+              y1 = static_cast<int>(std::clamp(d.y1, 0.0, sh));
+    if (x1 <= x0 || y1 <= y0) continue;
+    lastPainted_.push_back({x0, y0, x1 - x0, y1 - y0});
+    DrawingContext ctx(surface_);
+    ctx.Rectangle(x0, y0, x1 - x0, y1 - y0);
+    ctx.Clip();
+    ctx.Scale(zoom_, zoom_);
+    ctx.SetSourceColor(BackColor);
+    ctx.Paint();
+    if (!PictureKey.empty()) DrawPicture(ctx, PictureKey, 0, 0, Width(), Height());
+    PaintTree(*this, ctx, x0 / zoom_, y0 / zoom_, x1 / zoom_, y1 / zoom_);
+  }
 }
 
 Widget& cfForm::HitTest(double x, double y) {

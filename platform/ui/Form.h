@@ -75,11 +75,15 @@ class cfForm : public Widget {
   void Invalidate();
   void InvalidateRect(double x, double y, double w, double h);
   void Paint();
-  // The device rectangle the last Paint changed, for the backend to upload.
+  // The device rectangles the last Paint changed, for the backend to
+  // upload: a few small ones for changes far apart, not the box around them.
   struct DeviceRect {
     int x = 0, y = 0, w = 0, h = 0;
   };
-  DeviceRect LastPainted() const { return lastPainted_; }
+  const std::vector<DeviceRect>& LastPaintedRects() const { return lastPainted_; }
+  // The box around them.
+  DeviceRect LastPainted() const;
+  static constexpr std::size_t kMostDirtyRects = 8;
 
   // Input in device pixels of the form, as the backend delivers it.
   void MouseDown(int button, int shift, double x, double y);
@@ -142,8 +146,11 @@ class cfForm : public Widget {
   double zoom_ = 1;
   SurfacePtr surface_;
   bool dirty_ = true;
-  double dirtyX0_ = 0, dirtyY0_ = 0, dirtyX1_ = 1e9, dirtyY1_ = 1e9;  // device pixels
-  DeviceRect lastPainted_;
+  struct DirtyRect {
+    double x0, y0, x1, y1;  // device pixels
+  };
+  std::vector<DirtyRect> dirtyRects_{{0, 0, 1e9, 1e9}};
+  std::vector<DeviceRect> lastPainted_;
   bool showing_ = false;
   bool modal_ = false;
   bool disabledByModal_ = false;

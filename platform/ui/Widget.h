@@ -171,6 +171,11 @@ class Widget {
   virtual void W_Paint(DrawingContext& ctx, double width, double height) {
     (void)ctx, (void)width, (void)height;
   }
+  // Paints over the children once they are painted (a focus frame, a
+  // selection drawn across them), clipped to the widget.
+  virtual void W_PaintOver(DrawingContext& ctx, double width, double height) {
+    (void)ctx, (void)width, (void)height;
+  }
   virtual bool W_MouseDown(int button, int shift, double x, double y) { return Ignore(button, shift, x, y); }
   virtual bool W_MouseMove(int button, int shift, double x, double y) { return Ignore(button, shift, x, y); }
   virtual bool W_MouseUp(int button, int shift, double x, double y) { return Ignore(button, shift, x, y); }

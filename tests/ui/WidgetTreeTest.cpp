@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "platform/DrawingContext.h"
 #include "platform/DrawingSurface.h"
 #include "platform/Error.h"
@@ -264,6 +266,57 @@ TEST_F(Ui, TimersAndDeferredWorkRunOnTheLoop) {
   backend->AdvanceMs(50);
   root.DoEvents();
   EXPECT_EQ(fired, 2);
+}
+
+TEST_F(Ui, DistantChangesRepaintApartAFailingWidgetSpoilsOnlyItselfAndPaintOverComesLast) {
+  // Two small changes in opposite corners: two small rectangles, and the
+  // panel between them is left alone.
+  Probe& a = form.Children().Add<Probe>("a", 0x00FF00);
+  a.Move(2, 2, 6, 6);
+  Probe& b = form.Children().Add<Probe>("b", 0x00FF00);
+  b.Move(90, 70, 6, 6);
+  root.DoEvents();
+  panel->paints = a.paints = b.paints = 0;
+  a.Refresh();
+  b.Refresh();
+  root.DoEvents();
+  EXPECT_EQ(a.paints, 1);
+  EXPECT_EQ(b.paints, 1);
+  EXPECT_EQ(panel->paints, 0);
+  ASSERT_EQ(form.LastPaintedRects().size(), 2u);
+  for (const cfForm::DeviceRect& r : form.LastPaintedRects()) EXPECT_LE(r.w * r.h, 10 * 10);
+
+  // A widget whose painting fails half way, with a state saved and moved:
+  // its child, the widget after it and the paint-over of its parent still
+  // paint, each in its place.
+  struct Failing : Probe {
+    using Probe::Probe;
+    void W_Paint(DrawingContext& ctx, double, double) override {
+      ctx.Save();
+      ctx.Translate(-30, -30);
+      ctx.Rectangle(0, 0, 5, 5);
+      throw std::runtime_error("no paint today");
+    }
+  };
+  struct Framed : Probe {
+    using Probe::Probe;
+    void W_PaintOver(DrawingContext& ctx, double w, double) override {
+      ctx.SetSourceColor(0x000000);
+      ctx.Rectangle(0, 0, w, 3);
+      ctx.Fill();
+    }
+  };
+  Framed& framed = form.Children().Add<Framed>("framed", 0xFFFF00);
+  framed.Move(60, 40, 38, 20);
+  Failing& failing = framed.Children().Add<Failing>("failing", 0x0000FF);
+  failing.Move(2, 0, 10, 20);
+  failing.Children().Add<Probe>("inner", 0xFF0000).Move(0, 10, 10, 10);
+  framed.Children().Add<Probe>("after", 0x00FF00).Move(20, 0, 10, 20);
+  root.DoEvents();
+  const SurfacePtr& s = form.Surface();
+  EXPECT_EQ(PixelAt(s, 65, 55), (Bgra{255, 0, 0, 255}));  // the failing widget's child
+  EXPECT_EQ(PixelAt(s, 85, 50), (Bgra{0, 255, 0, 255}));  // the widget after it
+  EXPECT_EQ(PixelAt(s, 85, 41), (Bgra{0, 0, 0, 255}));    // the parent's paint-over, over its children
 }
 
 TEST_F(Ui, ARemovedWidgetsTimersStopAtOnceAndWidgetsAreFoundByTheirKeys) {

@@ -3,48 +3,101 @@
 #include <chrono>
 #include <cstring>
 #include <iostream>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "app/ui/DemoWidgetsForm.h"
 #include "cli/CommandLine.h"
+#include "cli/CommandOptions.h"
 #include "platform/Error.h"
 #include "platform/Files.h"
 #include "platform/ImageList.h"
 #include "platform/SvgRenderer.h"
+#include "platform/ui/Automation.h"
 #include "platform/ui/SdlBackend.h"
 
 namespace {
 
 const auto started = std::chrono::steady_clock::now();
 
-// quillaron --demo-widgets [--screenshot FILE]: the stock widgets in a real
-// window; with --screenshot, what the window shows is saved and it closes.
-int DemoWidgets(const std::vector<std::string>& args) {
-  std::string screenshot;
-  for (std::size_t i = 0; i + 1 < args.size(); ++i) {
-    if (args[i] == "--screenshot") screenshot = args[i + 1];
+// Scripts larger than this are not scripts a person wrote.
+constexpr std::size_t kMostScriptBytes = 4 << 20;
+
+bool IsStudioOption(const std::string& word) {
+  for (const char* o : {"--demo-widgets", "--automate", "--real-window"}) {
+    if (word == o || word.rfind(std::string(o) + "=", 0) == 0) return true;
   }
+  return false;
+}
+
+// quillaron [--app-dir DIR] [--demo-widgets] [--screenshot FILE | --automate SCRIPT [--real-window]]:
+// the studio, today the stock widgets' demonstration form. --screenshot
+// saves what the real window shows and closes it; --automate runs a script
+// against it, headless unless --real-window asks for SDL's windows.
+int Studio(const std::vector<std::string>& args) {
+  static constexpr qds::OptionSpec kKnown[] = {{"--app-dir", true},
+                                               {"--demo-widgets", false},
+                                               {"--screenshot", true},
+                                               {"--automate", true},
+                                               {"--real-window", false}};
+  const qds::CommandArgs read = qds::ReadCommandArgs(args, kKnown, 0);
+  std::string error = read.error;
+  if (error.empty() && read.Has("--screenshot") && read.Has("--automate"))
+    error = "--screenshot and --automate cannot be given together (a script takes its own screenshots)";
+  if (error.empty() && read.Has("--real-window") && !read.Has("--automate"))
+    error = "--real-window goes with --automate";
+  for (const char* valued : {"--app-dir", "--screenshot", "--automate"}) {
+    if (error.empty() && read.Has(valued) && read.Get(valued).empty())
+      error = std::string(valued) + " needs a value";
+  }
+  if (!error.empty()) {
+    std::cerr << "quillaron: " << error << "\n";
+    return 2;
+  }
+  const std::string appDir =
+      read.Has("--app-dir") ? qds::WithTrailingSlash(read.Get("--app-dir")) : qds::ExecutableFolder();
+  std::string script;
+  if (read.Has("--automate")) {
+    try {
+      script = qds::ReadAllText(read.Get("--automate"), kMostScriptBytes);
+    } catch (const qds::AppError& e) {
+      std::cerr << "quillaron: script " << read.Get("--automate") << ": " << e.Description() << "\n";
+      return 1;
+    }
+  }
+  const std::string screenshot = read.Get("--screenshot");
+  const bool automate = read.Has("--automate");
   try {
-    auto* backend = new qds::SdlBackend;
-    qds::PlatformRoot root{std::unique_ptr<qds::UiBackend>(backend)};
+    qds::SdlBackend* sdl = nullptr;
+    std::unique_ptr<qds::UiBackend> backend;
+    if (!automate || read.Has("--real-window")) {
+      sdl = new qds::SdlBackend;
+      backend.reset(sdl);
+    } else {
+      backend = std::make_unique<qds::HeadlessBackend>();
+    }
+    qds::PlatformRoot root{std::move(backend)};
     qds::SvgRenderer renderer;
     qds::ImageList images(renderer);
-    images.AddFromFile(qds::ExecutableFolder() + "DocAndImages/Quillaron.svg", "Logo", 128, 128);
+    images.AddFromFile(appDir + "DocAndImages/Quillaron.svg", "Logo", 128, 128);
     root.setImages(&images);
     qds::DemoWidgetsForm form;
-    backend->OnFirstFrame = [&] {
-      const double ms =
-          std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - started).count();
-      std::cerr << "first frame after " << ms << " ms\n";
-      if (!screenshot.empty()) {
-        root.DeferredInvoke([&] {
-          qds::WriteAllBytes(screenshot, backend->WindowPng(form));
-          form.Close();
-        });
-      }
-    };
+    if (sdl) {
+      sdl->OnFirstFrame = [&] {
+        const double ms =
+            std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - started).count();
+        std::cerr << "first frame after " << ms << " ms\n";
+        if (!screenshot.empty()) {
+          root.DeferredInvoke([&] {
+            qds::WriteAllBytes(screenshot, sdl->WindowPng(form));
+            form.Close();
+          });
+        }
+      };
+    }
     form.Show();
+    if (automate) return qds::RunAutomation(root, script, std::cerr);
     root.RunMessageLoop();
     return 0;
   } catch (const qds::AppError& e) {
@@ -58,7 +111,7 @@ int DemoWidgets(const std::vector<std::string>& args) {
 int main(int argc, char** argv) {
   const std::vector<std::string> args(argv + 1, argv + argc);
   for (const std::string& a : args) {
-    if (a == "--demo-widgets") return DemoWidgets(args);
+    if (IsStudioOption(a)) return Studio(args);
   }
   return qds::RunCommand(qds::ParseCommandLine(args), std::cout, std::cerr);
 }

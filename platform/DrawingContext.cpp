@@ -49,9 +49,12 @@ DrawingContext::~DrawingContext() {
 
 void DrawingContext::Save() {
   cairo_save(cr_);
+  ++saveDepth_;
 }
 void DrawingContext::Restore() {
+  if (saveDepth_ == 0) return;  // more restores than saves would put cairo in an error state
   cairo_restore(cr_);
+  --saveDepth_;
 }
 
 Matrix DrawingContext::GetMatrix() const {

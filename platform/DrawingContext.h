@@ -39,6 +39,9 @@ class DrawingContext {
 
   void Save();
   void Restore();
+  // How many Saves are not yet restored: lets a caller put the state back
+  // after drawing code that failed half way.
+  int SaveDepth() const { return saveDepth_; }
 
   Matrix GetMatrix() const;
   void SetMatrix(const Matrix& m);
@@ -128,6 +131,7 @@ class DrawingContext {
  private:
   SurfacePtr target_;
   cairo_t* cr_;
+  int saveDepth_ = 0;
   std::string fontName_ = "Liberation Sans";
   double fontSize_ = 10;
   std::int64_t fontColour_ = 0;

@@ -1,5 +1,7 @@
 #include "app/ui/DemoWidgetsForm.h"
 
+#include "platform/Bytes.h"
+#include "platform/DrawingContext.h"
 #include "platform/stock/StockDrawing.h"
 #include "platform/stock/StockWidgets.h"
 #include "platform/stock/cwDropDown.h"
@@ -7,10 +9,90 @@
 #include "platform/stock/cwMenu.h"
 #include "platform/stock/cwScrollBar.h"
 #include "platform/stock/cwTree.h"
+#include "platform/ui/PlatformRoot.h"
 
 namespace qds {
 
-DemoWidgetsForm::DemoWidgetsForm() {
+namespace {
+
+// A line of typed text: characters come in, Backspace takes the last one
+// away. Enough to show typing on the demonstration form.
+class DemoTypedLine : public Widget {
+ public:
+  DemoTypedLine() : Widget("DemoTypedLine") {
+    CanFocus = true;
+    MouseCursor = Cursor::IBeam;
+  }
+  std::string Text;
+  void W_Paint(DrawingContext& ctx, double w, double h) override {
+    ctx.SetSourceColor(StockColor(Palette::Face));
+    ctx.Paint();
+    ctx.SetSourceColor(HasFocus() ? StockColor(Palette::Accent) : StockColor(Palette::Border));
+    ctx.SetLineWidth(1);
+    ctx.Rectangle(0.5, 0.5, w - 1, h - 1);
+    ctx.Stroke();
+    ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
+    ctx.DrawText(6, 0, w - 12, h, Text, true, TextAlign::Left, TextAlign::Middle);
+  }
+  bool W_MouseDown(int button, int, double, double) override {
+    if (button != Button::Left) return false;
+    SetFocus();
+    return true;
+  }
+  bool W_KeyPress(int keyAscii) override {
+    if (keyAscii < 32) return false;
+    Text += EncodeUtf8(static_cast<char32_t>(keyAscii));
+    Refresh();
+    return true;
+  }
+  bool W_KeyDown(int keyCode, int) override {
+    if (keyCode != Key::Back) return false;
+    // The last character, not the last byte.
+    std::u32string chars = DecodeUtf8(Text);
+    if (!chars.empty()) chars.pop_back();
+    Text = EncodeUtf8(chars);
+    Refresh();
+    return true;
+  }
+  void W_ReportState(WidgetState& state) const override { state.text = Text; }
+};
+
+// A question with Yes and No; Return says yes, Escape and the close box no.
+class DemoAskForm : public cfForm {
+ public:
+  DemoAskForm() : cfForm("DemoAskForm") {
+    Caption = "Question";
+    Move(0, 0, 240, 100);
+    BackColor = StockColor(Palette::Back);
+    auto& question = Children().Add<cwLabel>("lblQuestion");
+    question.Caption = "Keep the changes?";
+    question.Move(10, 14, 220, 20);
+    auto& yes = Children().Add<cwButton>("btnYes");
+    yes.Caption = "&Yes";
+    yes.Move(40, 56, 80, 26);
+    yes.Click = [this] { Answer("Yes"); };
+    auto& no = Children().Add<cwButton>("btnNo");
+    no.Caption = "&No";
+    no.Move(130, 56, 80, 26);
+    no.Click = [this] { Answer("No"); };
+  }
+  std::string Answered = "No";
+  bool Form_KeyDown(int keyCode, int) override {
+    if (keyCode != Key::Return && keyCode != Key::Escape) return false;
+    Answer(keyCode == Key::Return ? "Yes" : "No");
+    return true;
+  }
+
+ private:
+  void Answer(const std::string& answer) {
+    Answered = answer;
+    Close();
+  }
+};
+
+}  // namespace
+
+DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   Caption = "Quillaron Design Studio: widgets";
   Move(0, 0, 580, 250);
   Sizable = true;
@@ -18,65 +100,67 @@ DemoWidgetsForm::DemoWidgetsForm() {
   BackColor = StockColor(Palette::Back);
   setIconKey("Logo");
 
-  auto& frame = static_cast<cwFrame&>(Children().Add(CreateWidget("cwFrame"), "frmButtons"));
+  auto& frame = Children().Add<cwFrame>("frmButtons");
   frame.Caption = "cwButton";
   frame.Move(10, 10, 200, 110);
-  auto& ok = static_cast<cwButton&>(frame.Children().Add(CreateWidget("cwButton"), "btnOk"));
+  auto& ok = frame.Children().Add<cwButton>("btnOk");
   ok.Caption = "Ok";
   ok.Move(10, 24, 80, 26);
-  auto& save = static_cast<cwButton&>(frame.Children().Add(CreateWidget("cwButton"), "btnSave"));
+  auto& save = frame.Children().Add<cwButton>("btnSave");
   save.Caption = "&Save";
   save.ToolTip = "Alt+S presses it too";
   save.PictureKey = "Logo";
   save.Move(100, 24, 90, 26);
-  auto& ruler = static_cast<cwButton&>(frame.Children().Add(CreateWidget("cwButton"), "chkRuler"));
+  auto& ruler = frame.Children().Add<cwButton>("chkRuler");
   ruler.Caption = "Ruler";
   ruler.Checkable = true;
   ruler.Checked = true;
   ruler.Move(10, 66, 80, 26);
-  auto& off = static_cast<cwButton&>(frame.Children().Add(CreateWidget("cwButton"), "btnOff"));
+  auto& off = frame.Children().Add<cwButton>("btnOff");
   off.Caption = "Disabled";
   off.Move(100, 66, 90, 26);
   off.setEnabled(false);
 
-  auto& logo = static_cast<cwImage&>(Children().Add(CreateWidget("cwImage"), "imgLogo"));
+  auto& logo = Children().Add<cwImage>("imgLogo");
   logo.PictureKey = "Logo";
   logo.Move(230, 16, 110, 100);
 
-  auto& label = static_cast<cwLabel&>(Children().Add(CreateWidget("cwLabel"), "lblText"));
+  auto& label = Children().Add<cwLabel>("lblText");
   label.Caption = "cwLabel: wrapped text that runs on to a second line inside its box";
   label.WordWrap = true;
   label.Move(10, 130, 200, 40);
-  auto& vertical = static_cast<cwScrollBar&>(Children().Add(CreateWidget("cwVScrollBar"), "vsbDemo"));
+  auto& vertical = Children().Add<cwVScrollBar>("vsbDemo");
   vertical.Move(352, 10, 16, 200);
   vertical.setValue(30);
-  auto& horizontal = static_cast<cwScrollBar&>(Children().Add(CreateWidget("cwHScrollBar"), "hsbDemo"));
+  auto& horizontal = Children().Add<cwHScrollBar>("hsbDemo");
   horizontal.Move(10, 180, 200, 16);
   horizontal.setValue(70);
 
-  auto& menu = static_cast<cwMenu&>(Children().Add(CreateWidget("cwMenu"), "mnuDemo"));
+  auto& menu = Children().Add<cwMenu>("mnuDemo");
   menu.AddItem("Demo>Open", "&Open…", "Logo");
   menu.AddItem("Demo>Save", "Save", {}, false);
   menu.AddItem("Demo>Close", "&Close");
   menu.AddItem("Demo>Export", "&Export");
   menu.AddItem("Demo>Export>Png", "PNG");
   menu.AddItem("Demo>Export>Ico", "ICO");
-  auto& more = static_cast<cwButton&>(Children().Add(CreateWidget("cwButton"), "btnMenu"));
+  auto& more = Children().Add<cwButton>("btnMenu");
   more.Caption = "Menu";
   more.Move(230, 130, 110, 26);
-  more.Click = [&menu, &more] { menu.ShowPopup("Demo", more.Left(), more.Top() + more.Height(), more.Top()); };
+  more.Click = [&menu, &more] {
+    menu.ShowPopup("Demo", more.Left(), more.Top() + more.Height(), more.Top());
+  };
   menu.Click = [this](const std::string& key) {
     status_->Caption = "Chosen: " + key;
     status_->Refresh();
   };
 
-  auto& tree = static_cast<cwTree&>(Children().Add(CreateWidget("cwTree"), "treDemo"));
+  auto& tree = Children().Add<cwTree>("treDemo");
   tree.Move(380, 10, 190, 120);
   tree.setNodes({{"styles", "Styles", {}, {{"line", "Line", {}, {}}, {"solid", "Solid", {}, {}}}, true},
                  {"themes", "Themes", {}, {{"web", "Web", {}, {}}}}});
   tree.Select("solid");
 
-  auto& drop = static_cast<cwDropDown&>(Children().Add(CreateWidget("cwDropDown"), "ddDemo"));
+  auto& drop = Children().Add<cwDropDown>("ddDemo");
   drop.Caption = "cwDropDown";
   drop.Move(380, 140, 190, 24);
   auto& folders = static_cast<cwDirList&>(drop.setContent(CreateWidget("cwDirList")));
@@ -85,7 +169,14 @@ DemoWidgetsForm::DemoWidgetsForm() {
     drop.Refresh();
   };
 
-  status_ = &static_cast<cwStatusBar&>(Children().Add(CreateWidget("cwStatusBar"), "sbStatus"));
+  auto& ask = Children().Add<cwButton>("btnAsk");
+  ask.Caption = "Ask…";
+  ask.Move(230, 166, 110, 26);
+  ask.Click = [this] { Ask(); };
+  auto& typed = Children().Add<DemoTypedLine>("txtTyped");
+  typed.Move(380, 174, 190, 24);
+
+  status_ = &Children().Add<cwStatusBar>("sbStatus");
   status_->Caption = "Clicks: 0";
   W_Resize();
 
@@ -94,6 +185,14 @@ DemoWidgetsForm::DemoWidgetsForm() {
     status_->Caption = "Clicks: " + std::to_string(Clicks);
     status_->Refresh();
   };
+}
+
+void DemoWidgetsForm::Ask() {
+  DemoAskForm dialog;
+  dialog.setZoom(Zoom());
+  if (PlatformRoot* root = PlatformRoot::Current()) root->RunModal(dialog);
+  status_->Caption = "Answer: " + dialog.Answered;
+  status_->Refresh();
 }
 
 void DemoWidgetsForm::W_Resize() {

@@ -12,6 +12,9 @@ class DemoWidgetsForm : public cfForm {
   DemoWidgetsForm();
   int Clicks = 0;
   void W_Resize() override;
+  // Asks "Keep the changes?" in a modal dialog; the answer shows in the
+  // status bar.
+  void Ask();
 
  private:
   cwStatusBar* status_ = nullptr;

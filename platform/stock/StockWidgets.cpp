@@ -86,8 +86,7 @@ void cwButton::W_Paint(DrawingContext& ctx, double w, double h) {
 void cwButton::Press() {
   if (Checkable) Checked = !Checked;
   Refresh();
-  if (Click) Click();
-  RaiseBubblingEvent("Click");
+  RaiseEvent(Click, "Click");
 }
 
 bool cwButton::W_MouseDown(int button, int, double, double) {
@@ -115,11 +114,15 @@ bool cwButton::W_AccessKey(char letter) {
   return true;
 }
 
-void cwButton::W_KeyDown(int& keyCode, int) {
-  if (keyCode == Key::Return || keyCode == Key::Space) {
-    keyCode = 0;
-    Press();
-  }
+bool cwButton::W_KeyDown(int keyCode, int) {
+  if (keyCode != Key::Return && keyCode != Key::Space) return false;
+  Press();
+  return true;
+}
+
+void cwButton::W_ReportState(WidgetState& state) const {
+  state.caption = Caption;
+  if (Checkable) state.checked = Checked;
 }
 
 void cwLabel::W_Paint(DrawingContext& ctx, double w, double h) {

@@ -27,8 +27,9 @@ class cwButton : public Widget {
   bool W_MouseUp(int button, int shift, double x, double y) override;
   void W_MouseEnter() override { Refresh(); }
   void W_MouseLeave() override { Refresh(); }
-  void W_KeyDown(int& keyCode, int shift) override;
+  bool W_KeyDown(int keyCode, int shift) override;
   bool W_AccessKey(char letter) override;
+  void W_ReportState(WidgetState& state) const override;
 
  private:
   void Press();
@@ -42,6 +43,7 @@ class cwLabel : public Widget {
   int Alignment = 0;  // 0 left, 1 right, 2 centre
   bool WordWrap = false;
   void W_Paint(DrawingContext& ctx, double w, double h) override;
+  void W_ReportState(WidgetState& state) const override { state.caption = Caption; }
 };
 
 // A border with an optional caption, to group other widgets.
@@ -50,6 +52,7 @@ class cwFrame : public Widget {
   cwFrame() : Widget("cwFrame") {}
   std::string Caption;
   void W_Paint(DrawingContext& ctx, double w, double h) override;
+  void W_ReportState(WidgetState& state) const override { state.caption = Caption; }
 };
 
 // A picture of the image cache, stretched to the widget or kept in shape.

@@ -9,14 +9,14 @@ namespace qds {
 
 class DropDownPopUp : public cfForm {
  public:
-  explicit DropDownPopUp(cwDropDown& owner) : owner_(&owner) {
+  explicit DropDownPopUp(cwDropDown& owner) : cfForm("DropDownPopUp"), owner_(&owner) {
     PopUp = true;
     BackColor = StockColor(Palette::Face);
   }
-  void Form_KeyDown(int& keyCode, int) override {
-    if (keyCode != Key::Escape) return;
-    keyCode = 0;
+  bool Form_KeyDown(int keyCode, int) override {
+    if (keyCode != Key::Escape) return false;
     Close();
+    return true;
   }
   void Form_Unload() override {
     if (owner_) owner_->PopupGone();
@@ -60,8 +60,7 @@ void cwDropDown::OpenDropDown() {
   if (content_) content_->Move(0, 0, Width(), DropHeight);
   popup_->Show();
   Refresh();
-  if (DropDownOpened) DropDownOpened();
-  RaiseBubblingEvent("DropDownOpened");
+  RaiseEvent(DropDownOpened, "DropDownOpened");
 }
 
 void cwDropDown::CloseDropDown() {
@@ -75,8 +74,7 @@ bool cwDropDown::IsOpen() const {
 void cwDropDown::PopupGone() {
   if (PlatformRoot* root = PlatformRoot::Current()) closedOnEvent_ = root->EventNumber();
   Refresh();
-  if (DropDownClosed) DropDownClosed();
-  RaiseBubblingEvent("DropDownClosed");
+  RaiseEvent(DropDownClosed, "DropDownClosed");
 }
 
 void cwDropDown::W_Paint(DrawingContext& ctx, double w, double h) {
@@ -99,12 +97,11 @@ bool cwDropDown::W_MouseDown(int button, int, double, double) {
   return true;
 }
 
-void cwDropDown::W_KeyDown(int& keyCode, int shift) {
+bool cwDropDown::W_KeyDown(int keyCode, int shift) {
   // Alt+Down opens, as in any drop-down list.
-  if (keyCode == Key::Down && (shift & Shift::Alt)) {
-    OpenDropDown();
-    keyCode = 0;
-  }
+  if (keyCode != Key::Down || !(shift & Shift::Alt)) return false;
+  OpenDropDown();
+  return true;
 }
 
 }  // namespace qds

@@ -35,7 +35,8 @@ class cwDropDown : public Widget {
 
   void W_Paint(DrawingContext& ctx, double w, double h) override;
   bool W_MouseDown(int button, int shift, double x, double y) override;
-  void W_KeyDown(int& keyCode, int shift) override;
+  bool W_KeyDown(int keyCode, int shift) override;
+  void W_ReportState(WidgetState& state) const override { state.caption = Caption; }
 
  private:
   friend class DropDownPopUp;

@@ -89,8 +89,7 @@ bool cwDirList::setPath(const std::string& path) {
   path_ = folder.string();
   SetRows(std::move(rows), selected);
   if (changed) {
-    if (Change) Change();
-    RaiseBubblingEvent("Change");
+    RaiseEvent(Change, "Change");
   }
   return true;
 }
@@ -134,13 +133,8 @@ void cwFileList::Rescan() {
   SetRows(std::move(rows), selected);
 }
 
-void cwFileList::Selected() {
-  if (Click) Click();
-}
-
 void cwFileList::Activated(int) {
-  if (DblClick) DblClick();
-  RaiseBubblingEvent("DblClick");
+  RaiseEvent(DblClick, "DblClick");
 }
 
 }  // namespace qds

@@ -38,12 +38,11 @@ class cwFileList : public cwListBase {
   void Rescan();
   // The selected file's name, or empty.
   std::string FileName() const { return ListIndex() < 0 ? std::string() : List(ListIndex()); }
-  std::function<void()> Click;
+  // Also bubbled as "DblClick".
   std::function<void()> DblClick;
 
  protected:
   void Activated(int index) override;
-  void Selected() override;
 
  private:
   std::string path_;

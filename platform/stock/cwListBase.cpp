@@ -92,10 +92,7 @@ int cwListBase::RowAtY(double y) const {
 bool cwListBase::W_MouseDown(int button, int, double, double y) {
   if (button != Button::Left) return false;
   SetFocus();
-  if (const int row = RowAtY(y); row >= 0) {
-    setListIndex(row);
-    RaiseBubblingEvent("Click");
-  }
+  if (const int row = RowAtY(y); row >= 0) UserChose(row);
   return true;
 }
 
@@ -112,7 +109,12 @@ bool cwListBase::W_MouseWheel(int delta, int, double, double) {
   return true;
 }
 
-void cwListBase::W_KeyDown(int& keyCode, int) {
+void cwListBase::UserChose(int row) {
+  setListIndex(row);
+  RaiseEvent(Click, "Click");
+}
+
+bool cwListBase::W_KeyDown(int keyCode, int) {
   int to = index_;
   switch (keyCode) {
     case Key::Up:
@@ -135,13 +137,28 @@ void cwListBase::W_KeyDown(int& keyCode, int) {
       break;
     case Key::Return:
       if (index_ >= 0) Activated(index_);
-      keyCode = 0;
-      return;
+      return true;
     default:
-      return;
+      return false;
   }
-  if (ListCount() > 0) setListIndex(to);
-  keyCode = 0;
+  // A key that moves nowhere (Down on the last row) is still the list's.
+  if (ListCount() > 0 && to != index_) UserChose(to);
+  return true;
+}
+
+void cwListBase::W_ReportState(WidgetState& state) const {
+  state.listCount = ListCount();
+  state.listIndex = index_;
+  state.scrollIndex = top_;
+  state.selected = index_ >= 0 ? std::vector<int>{index_} : std::vector<int>{};
+  if (index_ >= 0) state.text = rows_[index_].text;
+}
+
+WidgetPoint cwListBase::W_RowPoint(int row) {
+  // Only a row the user can see can be pointed at.
+  if (row < top_ || row >= ListCount() || row >= top_ + RowsShown()) return {};
+  const double w = bar_->Visible() ? Width() - kBarWidth : Width();
+  return {this, w / 2, (row - top_ + 0.5) * RowHeight};
 }
 
 }  // namespace qds

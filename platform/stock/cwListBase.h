@@ -2,6 +2,7 @@
 // A scrolling list of text rows, one of them selected, moved through by
 // the mouse, the wheel and the keys.
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,12 +22,16 @@ class cwListBase : public Widget {
   void setListIndex(int index);  // -1 for none
   int TopIndex() const { return top_; }
   double RowHeight = 20;
+  // The user chose a row, by the mouse or by the keys; also bubbled as "Click".
+  std::function<void()> Click;
 
   void W_Paint(DrawingContext& ctx, double w, double h) override;
   bool W_MouseDown(int button, int shift, double x, double y) override;
   bool W_DblClick(int button, int shift, double x, double y) override;
   bool W_MouseWheel(int delta, int shift, double x, double y) override;
-  void W_KeyDown(int& keyCode, int shift) override;
+  bool W_KeyDown(int keyCode, int shift) override;
+  void W_ReportState(WidgetState& state) const override;
+  WidgetPoint W_RowPoint(int row) override;
 
  protected:
   struct Row {
@@ -42,6 +47,8 @@ class cwListBase : public Widget {
   virtual void Activated(int index) { (void)index; }
   virtual void Selected() {}
   int RowAtY(double y) const;
+  // The user chose `row`: it is selected, and the owner told.
+  void UserChose(int row);
 
  private:
   int RowsShown() const;

@@ -38,7 +38,7 @@ class MenuPopUp : public cfForm {
   }
 
   MenuPopUp(cwMenu& menu, MenuPopUp* parent, std::vector<cwMenu::MenuItem> rows)
-      : menu_(&menu), parent_(parent), rows_(std::move(rows)) {
+      : cfForm("MenuPopUp"), menu_(&menu), parent_(parent), rows_(std::move(rows)) {
     PopUp = true;
     OpenedFrom = parent;
     BackColor = StockColor(Palette::Face);
@@ -71,7 +71,7 @@ class MenuPopUp : public cfForm {
   }
   bool W_MouseMove(int, int, double, double y) override {
     const int row = RowAt(y);
-    Light(row);
+    HighlightRow(row);
     // Resting on an item with items opens them; on another, closes them.
     if (row >= 0 && hasItems_[row] && rows_[row].enabled) {
       OpenChild(row);
@@ -84,7 +84,7 @@ class MenuPopUp : public cfForm {
     if (button == Button::Left) Choose(RowAt(y));
     return true;
   }
-  void Form_KeyDown(int& keyCode, int) override {
+  bool Form_KeyDown(int keyCode, int) override {
     const int n = static_cast<int>(rows_.size());
     if (keyCode == Key::Escape || (keyCode == Key::Left && parent_)) {
       Close();  // a sub-menu goes back to its parent
@@ -95,7 +95,7 @@ class MenuPopUp : public cfForm {
       for (int tries = 0; tries < n; ++tries) {
         at = (at + step) % n;
         if (rows_[at].enabled) {
-          Light(at);
+          HighlightRow(at);
           break;
         }
       }
@@ -103,12 +103,12 @@ class MenuPopUp : public cfForm {
       Choose(lit_);
     } else if (const int row = RowOfLetter(keyCode); row >= 0) {
       // An item's marked letter chooses it, with Alt or without.
-      Light(row);
+      HighlightRow(row);
       Choose(row);
     } else {
-      return;
+      return false;
     }
-    keyCode = 0;
+    return true;
   }
   void Form_Unload() override {
     CloseChild();
@@ -120,6 +120,14 @@ class MenuPopUp : public cfForm {
     if (child_) child_->Detach();
   }
   MenuPopUp* Child() const { return child_.get(); }
+  // The middle of the row of `key` here or in a sub-menu open from here.
+  WidgetPoint ItemPoint(const std::string& key) {
+    if (!Showing()) return {};
+    for (size_t i = 0; i < rows_.size(); ++i) {
+      if (rows_[i].key == key) return {this, Width() / 2, (static_cast<double>(i) + 0.5) * kRowHeight};
+    }
+    return child_ ? child_->ItemPoint(key) : WidgetPoint{};
+  }
 
  private:
   int RowOfLetter(int keyCode) const {
@@ -133,7 +141,7 @@ class MenuPopUp : public cfForm {
     const int row = static_cast<int>(y / kRowHeight);
     return y >= 0 && row < static_cast<int>(rows_.size()) ? row : -1;
   }
-  void Light(int row) {
+  void HighlightRow(int row) {
     if (row == lit_) return;
     lit_ = row;
     Refresh();
@@ -226,12 +234,18 @@ void cwMenu::ClosePopup() {
 }
 
 void cwMenu::PopupGone(const std::string& chosen) {
-  if (!chosen.empty()) {
-    if (Click) Click(chosen);
-    RaiseBubblingEvent("Click", {Value(chosen)});
-  }
-  if (MenuDestroyed) MenuDestroyed();
-  RaiseBubblingEvent("MenuDestroyed");
+  if (!chosen.empty()) RaiseEvent(Click, "Click", chosen);
+  RaiseEvent(MenuDestroyed, "MenuDestroyed");
+}
+
+void cwMenu::W_ReportState(WidgetState& state) const {
+  std::vector<WidgetState::Item> items;
+  for (const MenuItem& item : items_) items.push_back({item.key, item.caption, item.enabled, false});
+  state.items = std::move(items);
+}
+
+WidgetPoint cwMenu::W_ItemPoint(const std::string& key) {
+  return popup_ ? static_cast<MenuPopUp&>(*popup_).ItemPoint(key) : WidgetPoint{};
 }
 
 }  // namespace qds

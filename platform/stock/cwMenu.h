@@ -49,6 +49,10 @@ class cwMenu : public Widget {
   // The pop-up has gone, chosen or not; also bubbled as "MenuDestroyed".
   std::function<void()> MenuDestroyed;
 
+  void W_ReportState(WidgetState& state) const override;
+  // An item of the open pop-up or of a sub-menu it opened.
+  WidgetPoint W_ItemPoint(const std::string& key) override;
+
  private:
   friend class MenuPopUp;
   void PopupGone(const std::string& chosen);

@@ -16,6 +16,7 @@ void cwScrollBar::setValue(int v) {
   if (v == value_) return;
   value_ = v;
   Refresh();
+  // The value goes with the bubbling event only.
   if (Change) Change();
   RaiseBubblingEvent("Change", {qds::Value(value_)});
 }

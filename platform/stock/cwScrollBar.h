@@ -25,6 +25,9 @@ class cwScrollBar : public Widget {
   bool W_MouseMove(int button, int shift, double x, double y) override;
   bool W_MouseUp(int button, int shift, double x, double y) override;
   bool W_MouseWheel(int delta, int shift, double x, double y) override;
+  void W_ReportState(WidgetState& state) const override {
+    state.value = value_, state.min = Min, state.max = Max;
+  }
 
  private:
   // Along the bar: its length, the arrows' size, and the thumb.
@@ -56,6 +59,7 @@ class cwStatusBar : public Widget {
   std::string Caption;
   std::function<void(DrawingContext& ctx, double w, double h)> OwnerDraw;
   void W_Paint(DrawingContext& ctx, double w, double h) override;
+  void W_ReportState(WidgetState& state) const override { state.caption = Caption; }
 };
 
 }  // namespace qds

@@ -73,8 +73,7 @@ void cwTree::Expand(const std::string& key, bool expanded) {
     if (inside) keep = key;
   }
   Rebuild(keep);
-  if (NodeExpand) NodeExpand(key, expanded);
-  RaiseBubblingEvent("NodeExpand", {Value(key), Value(expanded)});
+  RaiseEvent(NodeExpand, "NodeExpand", key, expanded);
 }
 
 void cwTree::Select(const std::string& key) {
@@ -138,7 +137,7 @@ bool cwTree::W_MouseDown(int button, int shift, double x, double y) {
   return cwListBase::W_MouseDown(button, shift, x, y);
 }
 
-void cwTree::W_KeyDown(int& keyCode, int shift) {
+bool cwTree::W_KeyDown(int keyCode, int shift) {
   const int index = ListIndex();
   if (index >= 0 && (keyCode == Key::Left || keyCode == Key::Right)) {
     TreeNode& node = *shown_[index];
@@ -149,29 +148,26 @@ void cwTree::W_KeyDown(int& keyCode, int shift) {
       // Left on a closed or leaf node goes to its parent.
       for (int i = index - 1; i >= 0; --i) {
         if (RowAt(i).indent < RowAt(index).indent) {
-          setListIndex(i);
+          UserChose(i);
           break;
         }
       }
     }
-    keyCode = 0;
-    return;
+    return true;
   }
-  cwListBase::W_KeyDown(keyCode, shift);
+  return cwListBase::W_KeyDown(keyCode, shift);
 }
 
 void cwTree::Activated(int index) {
   const std::string key = shown_.at(index)->key;
-  if (NodeDblClick) NodeDblClick(key);
-  RaiseBubblingEvent("NodeDblClick", {Value(key)});
+  RaiseEvent(NodeDblClick, "NodeDblClick", key);
   Toggle(index);
 }
 
 void cwTree::Selected() {
   const std::string key = SelectedKey();
   if (key.empty()) return;
-  if (NodeClick) NodeClick(key);
-  RaiseBubblingEvent("NodeClick", {Value(key)});
+  RaiseEvent(NodeClick, "NodeClick", key);
 }
 
 }  // namespace qds

@@ -42,7 +42,7 @@ class cwTree : public cwListBase {
   std::function<void(const std::string& key, bool expanded)> NodeExpand;
 
   bool W_MouseDown(int button, int shift, double x, double y) override;
-  void W_KeyDown(int& keyCode, int shift) override;
+  bool W_KeyDown(int keyCode, int shift) override;
 
  protected:
   void PaintRow(DrawingContext& ctx, int index, double y, double w, bool selected) override;

@@ -13,15 +13,27 @@ namespace qds {
 
 namespace {
 
-// Paints a widget and, over it, its children, each clipped to itself and
-// with its own top-left corner at the origin.
+// Runs one widget's painting code. One that fails spoils its own picture
+// only: what it left of saved states and paths is put away, and the rest
+// of the repaint goes on.
+template <class Paint>
+void PaintPart(Widget& w, DrawingContext& ctx, const char* name, Paint paint) {
+  const int depth = ctx.SaveDepth();
+  ctx.Save();
+  RunHandler(w.TypeName() + ":" + name, HandlerMode::Silent, paint);
+  while (ctx.SaveDepth() > depth) ctx.Restore();
+  ctx.NewPath();
+}
+
+// Paints a widget, its children over it and then its paint-over, each
+// clipped to itself and with its own top-left corner at the origin.
 // Only widgets that meet the area to paint (x0..x1, y0..y1, in the
 // widget's own units) are asked to paint.
 void PaintTree(Widget& w, DrawingContext& ctx, double x0, double y0, double x1, double y1) {
   ctx.Save();
   ctx.Rectangle(0, 0, w.Width(), w.Height());
   ctx.Clip();
-  w.W_Paint(ctx, w.Width(), w.Height());
+  PaintPart(w, ctx, "W_Paint", [&] { w.W_Paint(ctx, w.Width(), w.Height()); });
   for (int i = 0; i < w.Children().Count(); ++i) {
     Widget& child = w.Children().Item(i);
     if (!child.Visible()) continue;
@@ -32,6 +44,7 @@ void PaintTree(Widget& w, DrawingContext& ctx, double x0, double y0, double x1, 
     PaintTree(child, ctx, x0 - l, y0 - t, x1 - l, y1 - t);
     ctx.Restore();
   }
+  PaintPart(w, ctx, "W_PaintOver", [&] { w.W_PaintOver(ctx, w.Width(), w.Height()); });
   ctx.Restore();
 }
 
@@ -66,7 +79,7 @@ bool Within(const Widget& ancestor, const Widget* w) {
 
 }  // namespace
 
-cfForm::cfForm() : Widget("cfForm") {
+cfForm::cfForm(std::string typeName) : Widget(std::move(typeName)) {
   CanFocus = true;
 }
 
@@ -135,22 +148,59 @@ bool cfForm::Close(int unloadMode) {
 
 void cfForm::Invalidate() {
   dirty_ = true;
-  dirtyX0_ = dirtyY0_ = 0;
-  dirtyX1_ = dirtyY1_ = 1e9;
+  dirtyRects_.assign(1, {0, 0, 1e9, 1e9});
 }
 
 void cfForm::InvalidateRect(double x, double y, double w, double h) {
   if (w <= 0 || h <= 0) return;
   // Whole device pixels, a pixel wider for anti-aliased edges.
-  const double x0 = std::floor(x * zoom_) - 1, y0 = std::floor(y * zoom_) - 1;
-  const double x1 = std::ceil((x + w) * zoom_) + 1, y1 = std::ceil((y + h) * zoom_) + 1;
-  if (!dirty_) {
-    dirtyX0_ = x0, dirtyY0_ = y0, dirtyX1_ = x1, dirtyY1_ = y1;
-  } else {
-    dirtyX0_ = std::min(dirtyX0_, x0), dirtyY0_ = std::min(dirtyY0_, y0);
-    dirtyX1_ = std::max(dirtyX1_, x1), dirtyY1_ = std::max(dirtyY1_, y1);
+  DirtyRect r{std::floor(x * zoom_) - 1, std::floor(y * zoom_) - 1, std::ceil((x + w) * zoom_) + 1,
+              std::ceil((y + h) * zoom_) + 1};
+  const auto unite = [](const DirtyRect& a, const DirtyRect& b) {
+    return DirtyRect{std::min(a.x0, b.x0), std::min(a.y0, b.y0), std::max(a.x1, b.x1), std::max(a.y1, b.y1)};
+  };
+  const auto area = [](const DirtyRect& a) { return (a.x1 - a.x0) * (a.y1 - a.y0); };
+  // Rectangles that meet become one, until the new one meets none.
+  for (bool merged = true; merged;) {
+    merged = false;
+    for (std::size_t i = 0; i < dirtyRects_.size(); ++i) {
+      const DirtyRect& d = dirtyRects_[i];
+      if (d.x0 <= r.x1 && r.x0 <= d.x1 && d.y0 <= r.y1 && r.y0 <= d.y1) {
+        r = unite(r, d);
+        dirtyRects_.erase(dirtyRects_.begin() + static_cast<std::ptrdiff_t>(i));
+        merged = true;
+        break;
+      }
+    }
+  }
+  dirtyRects_.push_back(r);
+  // Many small ones cost more than a few larger: the pair whose union adds
+  // the least area becomes one.
+  while (dirtyRects_.size() > kMostDirtyRects) {
+    std::size_t bi = 0, bj = 1;
+    double best = 1e300;
+    for (std::size_t i = 0; i < dirtyRects_.size(); ++i) {
+      for (std::size_t j = i + 1; j < dirtyRects_.size(); ++j) {
+        const double added =
+            area(unite(dirtyRects_[i], dirtyRects_[j])) - area(dirtyRects_[i]) - area(dirtyRects_[j]);
+        if (added < best) best = added, bi = i, bj = j;
+      }
+    }
+    dirtyRects_[bi] = unite(dirtyRects_[bi], dirtyRects_[bj]);
+    dirtyRects_.erase(dirtyRects_.begin() + static_cast<std::ptrdiff_t>(bj));
   }
   dirty_ = true;
+}
+
+cfForm::DeviceRect cfForm::LastPainted() const {
+  if (lastPainted_.empty()) return {};
+  int x0 = lastPainted_[0].x, y0 = lastPainted_[0].y, x1 = x0 + lastPainted_[0].w,
+      y1 = y0 + lastPainted_[0].h;
+  for (const DeviceRect& r : lastPainted_) {
+    x0 = std::min(x0, r.x), y0 = std::min(y0, r.y);
+    x1 = std::max(x1, r.x + r.w), y1 = std::max(y1, r.y + r.h);
+  }
+  return {x0, y0, x1 - x0, y1 - y0};
 }
 
 const SurfacePtr& cfForm::Surface() {
@@ -170,22 +220,26 @@ void cfForm::Paint() {
     return;
   }
   dirty_ = false;
-  const int x0 = static_cast<int>(std::clamp(dirtyX0_, 0.0, static_cast<double>(surface_->Width())));
-  const int y0 = static_cast<int>(std::clamp(dirtyY0_, 0.0, static_cast<double>(surface_->Height())));
-  const int x1 = static_cast<int>(std::clamp(dirtyX1_, 0.0, static_cast<double>(surface_->Width())));
-  const int y1 = static_cast<int>(std::clamp(dirtyY1_, 0.0, static_cast<double>(surface_->Height())));
-  lastPainted_ = {x0, y0, x1 - x0, y1 - y0};
-  if (x1 <= x0 || y1 <= y0) return;
-  DrawingContext ctx(surface_);
-  ctx.Rectangle(x0, y0, x1 - x0, y1 - y0);
-  ctx.Clip();
-  ctx.Scale(zoom_, zoom_);
-  ctx.SetSourceColor(BackColor);
-  ctx.Paint();
-  if (!PictureKey.empty()) DrawPicture(ctx, PictureKey, 0, 0, Width(), Height());
-  // A widget that fails to paint must not take the window with it.
-  RunHandler(TypeName() + ":W_Paint", HandlerMode::Silent,
-             [&] { PaintTree(*this, ctx, x0 / zoom_, y0 / zoom_, x1 / zoom_, y1 / zoom_); });
+  std::vector<DirtyRect> rects;
+  rects.swap(dirtyRects_);
+  lastPainted_.clear();
+  const double sw = surface_->Width(), sh = surface_->Height();
+  for (const DirtyRect& d : rects) {
+    const int x0 = static_cast<int>(std::clamp(d.x0, 0.0, sw)),
+              y0 = static_cast<int>(std::clamp(d.y0, 0.0, sh));
+    const int x1 = static_cast<int>(std::clamp(d.x1, 0.0, sw)),
+              y1 = static_cast<int>(std::clamp(d.y1, 0.0, sh));
+    if (x1 <= x0 || y1 <= y0) continue;
+    lastPainted_.push_back({x0, y0, x1 - x0, y1 - y0});
+    DrawingContext ctx(surface_);
+    ctx.Rectangle(x0, y0, x1 - x0, y1 - y0);
+    ctx.Clip();
+    ctx.Scale(zoom_, zoom_);
+    ctx.SetSourceColor(BackColor);
+    ctx.Paint();
+    if (!PictureKey.empty()) DrawPicture(ctx, PictureKey, 0, 0, Width(), Height());
+    PaintTree(*this, ctx, x0 / zoom_, y0 / zoom_, x1 / zoom_, y1 / zoom_);
+  }
 }
 
 Widget& cfForm::HitTest(double x, double y) {
@@ -201,7 +255,8 @@ void cfForm::Route(Widget* start, double fx, double fy, const char* name, int bu
     double ox, oy;
     w->FormPosition(ox, oy);
     bool taken = false;
-    RunHandler(w->TypeName() + ":" + name, HandlerMode::Report, [&] { taken = handler(*w, fx - ox, fy - oy); });
+    RunHandler(w->TypeName() + ":" + name, HandlerMode::Report,
+               [&] { taken = handler(*w, fx - ox, fy - oy); });
     if (taken) break;
   }
   // Then the event goes up the tree by name, from the widget it was meant for.
@@ -215,7 +270,7 @@ void cfForm::Route(Widget* start, double fx, double fy, const char* name, int bu
 // The tip of the widget the mouse rests on: a small pop-up under the mouse.
 class ToolTipForm : public cfForm {
  public:
-  explicit ToolTipForm(const std::string& text) {
+  explicit ToolTipForm(const std::string& text) : cfForm("ToolTipForm") {
     Caption = text;
     PopUp = true;
     TakesKeyboard = false;
@@ -311,7 +366,8 @@ void cfForm::MouseDown(int button, int shift, double x, double y) {
   if (const int edges = button == Button::Left ? ResizeEdgeAt(x, y) : 0) {
     resizing_ = edges;
     grabX_ = Left() + x, grabY_ = Top() + y;
-    grabRect_[0] = Left(), grabRect_[1] = Top(), grabRect_[2] = Width() * zoom_, grabRect_[3] = Height() * zoom_;
+    grabRect_[0] = Left(), grabRect_[1] = Top(), grabRect_[2] = Width() * zoom_,
+    grabRect_[3] = Height() * zoom_;
     return;
   }
   Widget* target = capture_ ? capture_ : &HitTest(x, y);
@@ -389,20 +445,31 @@ void cfForm::MouseWheel(int delta, int shift, double x, double y) {
         [&](Widget& w, double lx, double ly) { return w.W_MouseWheel(delta, shift, lx, ly); });
 }
 
+template <class Handler>
+bool cfForm::ClimbKey(const char* name, Handler handler) {
+  // A handler may take its widget out of the tree; its parent is then none.
+  for (Widget* w = focus_; w && w != this; w = w->Parent()) {
+    bool taken = false;
+    RunHandler(w->TypeName() + ":" + name, HandlerMode::Report, [&] { taken = handler(*w); });
+    if (taken) return true;
+  }
+  return false;
+}
+
 void cfForm::KeyDown(int keyCode, int shift) {
   if (disabledByModal_) return;
   HideToolTip();
-  RunHandler("cfForm:Form_KeyDown", HandlerMode::Report, [&] { Form_KeyDown(keyCode, shift); });
-  if (keyCode == 0) return;
   if ((shift & Shift::Alt) && keyCode >= 'A' && keyCode <= 'Z' &&
       AccessKey(*this, static_cast<char>(keyCode))) {
     return;
   }
-  if (Widget* w = focus_) {
-    RunHandler(w->TypeName() + ":W_KeyDown", HandlerMode::Report, [&] { w->W_KeyDown(keyCode, shift); });
-    BubbleKey(w, "W_KeyDown", keyCode, shift);
-  }
-  // Tab, when the focused widget has no use for it, moves the focus on.
+  bool taken = ClimbKey("W_KeyDown", [&](Widget& w) { return w.W_KeyDown(keyCode, shift); });
+  if (!taken)
+    RunHandler(TypeName() + ":Form_KeyDown", HandlerMode::Report,
+               [&] { taken = Form_KeyDown(keyCode, shift); });
+  if (taken) return;
+  BubbleKey("W_KeyDown", keyCode, shift);
+  // Tab, when nobody has a use for it, moves the focus on.
   if (keyCode == Key::Tab && !(shift & Shift::Ctrl)) MoveFocus((shift & Shift::ShiftKey) ? -1 : 1);
 }
 
@@ -438,23 +505,19 @@ void cfForm::MoveFocus(int step) {
 
 void cfForm::KeyUp(int keyCode, int shift) {
   if (disabledByModal_) return;
-  if (Widget* w = focus_) {
-    RunHandler(w->TypeName() + ":W_KeyUp", HandlerMode::Report, [&] { w->W_KeyUp(keyCode, shift); });
-    BubbleKey(w, "W_KeyUp", keyCode, shift);
-  }
+  if (!ClimbKey("W_KeyUp", [&](Widget& w) { return w.W_KeyUp(keyCode, shift); }))
+    BubbleKey("W_KeyUp", keyCode, shift);
 }
 
 void cfForm::KeyPress(int keyAscii) {
   if (disabledByModal_) return;
-  if (Widget* w = focus_) {
-    RunHandler(w->TypeName() + ":W_KeyPress", HandlerMode::Report, [&] { w->W_KeyPress(keyAscii); });
-    BubbleKey(w, "W_KeyPress", keyAscii, 0);
-  }
+  if (!ClimbKey("W_KeyPress", [&](Widget& w) { return w.W_KeyPress(keyAscii); }))
+    BubbleKey("W_KeyPress", keyAscii, 0);
 }
 
-void cfForm::BubbleKey(Widget* w, const char* name, int keyCode, int shift) {
-  // A key the widget used up (cleared to 0) goes no further.
-  if (w != this && keyCode != 0) w->RaiseBubblingEvent(name, {Value(keyCode), Value(shift)});
+void cfForm::BubbleKey(const char* name, int keyCode, int shift) {
+  // A key nobody took is heard by name up the tree from the focused widget.
+  if (focus_ && focus_ != this) focus_->RaiseBubblingEvent(name, {Value(keyCode), Value(shift)});
 }
 
 void cfForm::SetFocusTo(Widget* w) {
@@ -473,7 +536,7 @@ void cfForm::SetFocusTo(Widget* w) {
   }
 }
 
-void cfForm::Forget(const Widget& gone) {
+void cfForm::DropReferencesTo(const Widget& gone) {
   if (Within(gone, focus_)) focus_ = nullptr;
   if (Within(gone, capture_)) capture_ = nullptr;
   if (Within(gone, clickTarget_)) clickTarget_ = nullptr;

@@ -18,7 +18,8 @@ constexpr int ControlMenu = 0, Code = 1;
 
 class cfForm : public Widget {
  public:
-  cfForm();
+  // The type name is the form's name in scripts and dumps.
+  explicit cfForm(std::string typeName = "cfForm");
   ~cfForm() override;
 
   std::string Caption;
@@ -74,11 +75,15 @@ class cfForm : public Widget {
   void Invalidate();
   void InvalidateRect(double x, double y, double w, double h);
   void Paint();
-  // The device rectangle the last Paint changed, for the backend to upload.
+  // The device rectangles the last Paint changed, for the backend to
+  // upload: a few small ones for changes far apart, not the box around them.
   struct DeviceRect {
     int x = 0, y = 0, w = 0, h = 0;
   };
-  DeviceRect LastPainted() const { return lastPainted_; }
+  const std::vector<DeviceRect>& LastPaintedRects() const { return lastPainted_; }
+  // The box around them.
+  DeviceRect LastPainted() const;
+  static constexpr std::size_t kMostDirtyRects = 8;
 
   // Input in device pixels of the form, as the backend delivers it.
   void MouseDown(int button, int shift, double x, double y);
@@ -100,11 +105,15 @@ class cfForm : public Widget {
   cfForm* ToolTipWindow() const { return tip_.get(); }
   static constexpr double kToolTipDelayMs = 600;
 
-  // Events of the form. Keys reach Form_KeyDown before any widget.
+  // Events of the form. A key comes to Form_KeyDown last, when no widget
+  // from the focused one up took it; it answers whether it took it.
   virtual void Form_BubblingEvent(Widget& source, const std::string& name, const std::vector<Value>& args) {
     (void)source, (void)name, (void)args;
   }
-  virtual void Form_KeyDown(int& keyCode, int shift) { (void)keyCode, (void)shift; }
+  virtual bool Form_KeyDown(int keyCode, int shift) {
+    (void)keyCode, (void)shift;
+    return false;
+  }
   // Whether the form may close; `unloadMode` says who asks.
   virtual bool Form_QueryUnload(int unloadMode) {
     (void)unloadMode;
@@ -117,10 +126,13 @@ class cfForm : public Widget {
   friend class Widgets;
   friend class PlatformRoot;
   void SetFocusTo(Widget* w);
-  void BubbleKey(Widget* w, const char* name, int keyCode, int shift);
+  // Offers a key to the focused widget and up to the form; true when one took it.
+  template <class Handler>
+  bool ClimbKey(const char* name, Handler handler);
+  void BubbleKey(const char* name, int keyCode, int shift);
   bool AccessKey(Widget& w, char letter);
   void MoveFocus(int step);
-  void Forget(const Widget& gone);  // a widget left the tree
+  void DropReferencesTo(const Widget& gone);  // a widget left the tree
   template <class Handler>
   void Route(Widget* start, double fx, double fy, const char* name, int button, int shift, Handler handler);
   void UpdateHover(Widget* now);
@@ -134,8 +146,11 @@ class cfForm : public Widget {
   double zoom_ = 1;
   SurfacePtr surface_;
   bool dirty_ = true;
-  double dirtyX0_ = 0, dirtyY0_ = 0, dirtyX1_ = 1e9, dirtyY1_ = 1e9;  // device pixels
-  DeviceRect lastPainted_;
+  struct DirtyRect {
+    double x0, y0, x1, y1;  // device pixels
+  };
+  std::vector<DirtyRect> dirtyRects_{{0, 0, 1e9, 1e9}};
+  std::vector<DeviceRect> lastPainted_;
   bool showing_ = false;
   bool modal_ = false;
   bool disabledByModal_ = false;

@@ -23,7 +23,7 @@ PlatformRoot::PlatformRoot(std::unique_ptr<UiBackend> backend)
 }
 
 PlatformRoot::~PlatformRoot() {
-  BuryTheDead();
+  ReleaseRemovedWidgets();
   current = previous_;
 }
 
@@ -221,10 +221,10 @@ void PlatformRoot::RunDeferred() {
     work.swap(deferred_);
     for (auto& w : work) RunHandler("DeferredInvoke", HandlerMode::Report, w);
   }
-  BuryTheDead();
+  ReleaseRemovedWidgets();
 }
 
-void PlatformRoot::BuryTheDead() {
+void PlatformRoot::ReleaseRemovedWidgets() {
   // A widget going may hand over others (a menu its pop-up).
   while (!graveyard_.empty()) {
     std::vector<std::shared_ptr<Widget>> dead;
@@ -246,13 +246,25 @@ double PlatformRoot::NextTimerIn() {
   return std::max(0.0, next);
 }
 
-bool PlatformRoot::Turn(double waitMs) {
+bool PlatformRoot::Busy() const {
+  return !deferred_.empty() || !posted_.empty() ||
+         std::any_of(forms_.begin(), forms_.end(), [](const cfForm* f) { return f->Dirty(); });
+}
+
+bool PlatformRoot::ProcessOnce(double waitMs) {
   UiEvent e;
   bool any = false;
   // Pictures still to paint, and work deferred while painting, must not
-  // wait for the next event.
-  const bool dirty = std::any_of(forms_.begin(), forms_.end(), [](const cfForm* f) { return f->Dirty(); });
-  if (dirty || !deferred_.empty()) waitMs = 0;
+  // wait for the next event; nor does a turn after the idle handler acted.
+  if (Busy() || idleActed_) waitMs = 0;
+  idleActed_ = false;
+  while (!posted_.empty()) {
+    e = posted_.front();
+    posted_.erase(posted_.begin());
+    any = true;
+    Dispatch(e);
+    RunDeferred();
+  }
   while (backend_->WaitEvent(any ? 0 : waitMs, e)) {
     any = true;
     Dispatch(e);
@@ -264,12 +276,23 @@ bool PlatformRoot::Turn(double waitMs) {
   return any;
 }
 
+void PlatformRoot::Idle() {
+  // Only a loop that goes on calls it: a dialog closed by this turn's events
+  // returns to its caller first.
+  if (!OnIdle || quitting_ || Busy() || NextTimerIn() <= 0) return;
+  std::function<bool()> idle = OnIdle;  // it may replace itself
+  idleActed_ = idle();
+}
+
 void PlatformRoot::DoEvents() {
-  Turn(0);
+  ProcessOnce(0);
 }
 
 void PlatformRoot::RunMessageLoop() {
-  while (!forms_.empty()) Turn(NextTimerIn());
+  while (!forms_.empty() && !quitting_) {
+    ProcessOnce(NextTimerIn());
+    if (!forms_.empty()) Idle();
+  }
 }
 
 void PlatformRoot::RunModal(cfForm& dialog) {
@@ -282,7 +305,10 @@ void PlatformRoot::RunModal(cfForm& dialog) {
   }
   dialog.modal_ = true;
   dialog.Show();
-  while (dialog.Showing()) Turn(NextTimerIn());
+  while (dialog.Showing() && !quitting_) {
+    ProcessOnce(NextTimerIn());
+    if (dialog.Showing()) Idle();
+  }
   dialog.modal_ = false;
   for (cfForm* f : owners) f->disabledByModal_ = false;
 }

@@ -114,20 +114,36 @@ class PlatformRoot {
 
   // Everything pending once: events, due timers, deferred work, painting.
   void DoEvents();
-  // Until the last form is gone.
+  // Until the last form is gone, or Quit.
   void RunMessageLoop();
-  // Shows `dialog` over the others and returns when it is closed.
+  // Shows `dialog` over the others and returns when it is closed, or on Quit.
   void RunModal(cfForm& dialog);
+  // Ends every running loop, the nested ones of modal forms too.
+  void Quit() { quitting_ = true; }
+  bool Quitting() const { return quitting_; }
+
+  // An event handled by the loop before the backend's, as if the user had
+  // made it: how a script acts.
+  void PostEvent(const UiEvent& e) { posted_.push_back(e); }
+  // Called whenever a loop is idle (events handled, due timers fired,
+  // deferred work done, painted), in a modal form's loop too. It answers
+  // whether it did something the loop must look at before waiting.
+  std::function<bool()> OnIdle;
 
  private:
   void Dispatch(const UiEvent& e);
   void FireDueTimers();
   void RunDeferred();
-  void BuryTheDead();
+  void ReleaseRemovedWidgets();
   void PaintAll();
   void EndDrag();
   double NextTimerIn();
-  bool Turn(double waitMs);
+  // Events (waiting at most `waitMs` for the first), due timers, deferred
+  // work and painting, once; whether any event came.
+  bool ProcessOnce(double waitMs);
+  // Anything to do before the loop may wait: events posted, work deferred, pictures to paint.
+  bool Busy() const;
+  void Idle();
 
   struct TimerEntry {
     int id;
@@ -139,6 +155,9 @@ class PlatformRoot {
   std::unique_ptr<UiBackend> backend_;
   std::vector<TimerEntry> timers_;
   std::vector<std::function<void()>> deferred_;
+  std::vector<UiEvent> posted_;
+  bool quitting_ = false;
+  bool idleActed_ = false;
   std::vector<std::shared_ptr<Widget>> graveyard_;
   std::vector<cfForm*> forms_;
   std::string dragKey_, dragPicture_;

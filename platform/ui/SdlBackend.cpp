@@ -106,8 +106,8 @@ int KeyCode(SDL_Keycode k) {
   if (k >= SDLK_KP_1 && k <= SDLK_KP_9) return Key::Numpad0 + 1 + (k - SDLK_KP_1);
   // The punctuation keys of a US layout, as the old runtime numbered them.
   static const std::map<SDL_Keycode, int> kPunctuation = {
-      {SDLK_SEMICOLON, 186}, {SDLK_EQUALS, 187},       {SDLK_COMMA, 188},        {SDLK_MINUS, 189},
-      {SDLK_PERIOD, 190},    {SDLK_SLASH, 191},        {SDLK_BACKQUOTE, 192},    {SDLK_LEFTBRACKET, 219},
+      {SDLK_SEMICOLON, 186}, {SDLK_EQUALS, 187},       {SDLK_COMMA, 188},     {SDLK_MINUS, 189},
+      {SDLK_PERIOD, 190},    {SDLK_SLASH, 191},        {SDLK_BACKQUOTE, 192}, {SDLK_LEFTBRACKET, 219},
       {SDLK_BACKSLASH, 220}, {SDLK_RIGHTBRACKET, 221}, {SDLK_QUOTE, 222}};
   const auto it = kPunctuation.find(k);
   return it == kPunctuation.end() ? 0 : it->second;
@@ -122,10 +122,12 @@ SDL_Surface* StraightAlphaSurface(const SurfacePtr& picture) {
   const PixelView v = picture->Pixels();
   for (int y = 0; y < h; ++y) {
     const unsigned char* from = v.Bytes() + static_cast<std::ptrdiff_t>(y) * v.Stride();
-    unsigned char* to = static_cast<unsigned char*>(sdl->pixels) + static_cast<std::ptrdiff_t>(y) * sdl->pitch;
+    unsigned char* to =
+        static_cast<unsigned char*>(sdl->pixels) + static_cast<std::ptrdiff_t>(y) * sdl->pitch;
     for (int x = 0; x < w * 4; x += 4) {
       const int a = from[x + 3];
-      for (int c = 0; c < 3; ++c) to[x + c] = static_cast<unsigned char>(a ? std::min(255, from[x + c] * 255 / a) : 0);
+      for (int c = 0; c < 3; ++c)
+        to[x + c] = static_cast<unsigned char>(a ? std::min(255, from[x + c] * 255 / a) : 0);
       to[x + 3] = static_cast<unsigned char>(a);
     }
   }
@@ -145,10 +147,10 @@ void SdlBackend::SetCursor(int cursor) {
   UiBackend::SetCursor(cursor);
   if (CursorPicture()) return;  // a drag's picture stays until the drop
   static const std::map<int, SDL_SystemCursor> kSystem = {
-      {Cursor::Wait, SDL_SYSTEM_CURSOR_WAIT},        {Cursor::Hand, SDL_SYSTEM_CURSOR_HAND},
-      {Cursor::IBeam, SDL_SYSTEM_CURSOR_IBEAM},      {Cursor::SizeNWSE, SDL_SYSTEM_CURSOR_SIZENWSE},
+      {Cursor::Wait, SDL_SYSTEM_CURSOR_WAIT},         {Cursor::Hand, SDL_SYSTEM_CURSOR_HAND},
+      {Cursor::IBeam, SDL_SYSTEM_CURSOR_IBEAM},       {Cursor::SizeNWSE, SDL_SYSTEM_CURSOR_SIZENWSE},
       {Cursor::SizeNESW, SDL_SYSTEM_CURSOR_SIZENESW}, {Cursor::SizeWE, SDL_SYSTEM_CURSOR_SIZEWE},
-      {Cursor::SizeNS, SDL_SYSTEM_CURSOR_SIZENS},    {Cursor::SizeAll, SDL_SYSTEM_CURSOR_SIZEALL}};
+      {Cursor::SizeNS, SDL_SYSTEM_CURSOR_SIZENS},     {Cursor::SizeAll, SDL_SYSTEM_CURSOR_SIZEALL}};
   const auto known = kSystem.find(cursor);
   const SDL_SystemCursor id = known == kSystem.end() ? SDL_SYSTEM_CURSOR_ARROW : known->second;
   SDL_Cursor*& c = cursors_[id];
@@ -233,7 +235,7 @@ void SdlBackend::FormShown(cfForm& form) {
   const int y = popUp ? static_cast<int>(std::lround(form.Top())) : SDL_WINDOWPOS_CENTERED;
   // A frameless form sizes itself by its borders; a framed one lets the desktop do it.
   w.window = SDL_CreateWindow(form.Caption.c_str(), x, y, w.w, w.h,
-                              popUp             ? SDL_WINDOW_SHOWN | SDL_WINDOW_BORDERLESS | SDL_WINDOW_POPUP_MENU
+                              popUp ? SDL_WINDOW_SHOWN | SDL_WINDOW_BORDERLESS | SDL_WINDOW_POPUP_MENU
                               : form.Borderless ? SDL_WINDOW_SHOWN | SDL_WINDOW_BORDERLESS
                               : form.Sizable    ? SDL_WINDOW_SHOWN | SDL_WINDOW_RESIZABLE
                                                 : SDL_WINDOW_SHOWN);
@@ -318,22 +320,22 @@ void SdlBackend::Present(cfForm& form) {
   if (it == windows_.end()) return;
   Window& w = it->second;
   const SurfacePtr& surface = form.Surface();
-  cfForm::DeviceRect changed = form.LastPainted();
+  std::vector<cfForm::DeviceRect> changed = form.LastPaintedRects();
   if (surface->Width() != w.w || surface->Height() != w.h) {
     SDL_DestroyTexture(w.texture);
     w.w = surface->Width(), w.h = surface->Height();
     SDL_SetWindowSize(w.window, w.w, w.h);
     w.texture =
         SDL_CreateTexture(w.renderer, SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STREAMING, w.w, w.h);
-    changed = {0, 0, w.w, w.h};
+    changed = {{0, 0, w.w, w.h}};
   }
-  if (changed.w > 0 && changed.h > 0) {
-    // Only what was painted goes up. cairo's ARGB32 is SDL's ARGB8888 on
-    // this byte order; the form is opaque, so premultiplying changes nothing.
-    const PixelView v = surface->Pixels();
-    const SDL_Rect rect{changed.x, changed.y, changed.w, changed.h};
-    SDL_UpdateTexture(w.texture, &rect,
-                      v.Bytes() + static_cast<std::ptrdiff_t>(changed.y) * v.Stride() + changed.x * 4,
+  // Only what was painted goes up. cairo's ARGB32 is SDL's ARGB8888 on
+  // this byte order; the form is opaque, so premultiplying changes nothing.
+  const PixelView v = surface->Pixels();
+  for (const cfForm::DeviceRect& r : changed) {
+    if (r.w <= 0 || r.h <= 0) continue;
+    const SDL_Rect rect{r.x, r.y, r.w, r.h};
+    SDL_UpdateTexture(w.texture, &rect, v.Bytes() + static_cast<std::ptrdiff_t>(r.y) * v.Stride() + r.x * 4,
                       v.Stride());
   }
   SDL_RenderCopy(w.renderer, w.texture, nullptr, nullptr);

@@ -17,14 +17,34 @@ void Widgets::Remove(Widget& widget) {
   for (int i = 0; i < items_.Count(); ++i) {
     if (items_.Item(i).get() != &widget) continue;
     std::shared_ptr<Widget> gone = items_.Item(i);
-    if (cfForm* form = owner_.Form()) form->Forget(*gone);
+    if (cfForm* form = owner_.Form()) form->DropReferencesTo(*gone);
     items_.RemoveAt(i);
     gone->parent_ = nullptr;
     owner_.Refresh();
-    // Events for it may still be on their way: it goes with the turn.
-    if (PlatformRoot* root = PlatformRoot::Current()) root->DeferDelete(std::move(gone));
+    // Events for it may still be on their way: it goes with the turn. Its
+    // timers, and those of the widgets in it, end now, even one due in
+    // this very turn.
+    if (PlatformRoot* root = PlatformRoot::Current()) {
+      const auto stop = [root](auto& self, const Widget& w) -> void {
+        root->KillTimersOf(&w);
+        for (int c = 0; c < w.Children().Count(); ++c) self(self, w.Children().Item(c));
+      };
+      stop(stop, *gone);
+      root->DeferDelete(std::move(gone));
+    }
     return;
   }
+}
+
+Widget* Widget::FindWidget(std::string_view path) {
+  Widget* at = this;
+  while (at && !path.empty()) {
+    const std::size_t slash = path.find('/');
+    const std::string_view key = path.substr(0, slash);
+    at = at->children_.Exists(key) ? &at->children_.Item(key) : nullptr;
+    path = slash == std::string_view::npos ? std::string_view() : path.substr(slash + 1);
+  }
+  return at == this ? nullptr : at;
 }
 
 void Widgets::Remove(std::string_view key) {
@@ -62,7 +82,7 @@ void Widget::setVisible(bool v) {
   if (v == visible_) return;
   visible_ = v;
   if (!v) {
-    if (cfForm* form = Form()) form->Forget(*this);
+    if (cfForm* form = Form()) form->DropReferencesTo(*this);
   }
   if (parent_) parent_->Refresh();
 }
@@ -71,7 +91,7 @@ void Widget::setEnabled(bool v) {
   if (v == enabled_) return;
   enabled_ = v;
   if (!v) {
-    if (cfForm* form = Form()) form->Forget(*this);
+    if (cfForm* form = Form()) form->DropReferencesTo(*this);
   }
   Refresh();
 }
@@ -143,7 +163,8 @@ void Widget::RaiseBubblingEvent(const std::string& name, const std::vector<Value
   cfForm* form = Form();
   if (!form) return;  // not on a form: nobody to hear it
   for (Widget* w = parent_; w && w != form; w = w->parent_) {
-    RunHandler(w->typeName_ + ":W_BubblingEvent", HandlerMode::Report, [&] { w->W_BubblingEvent(*this, name, args); });
+    RunHandler(w->typeName_ + ":W_BubblingEvent", HandlerMode::Report,
+               [&] { w->W_BubblingEvent(*this, name, args); });
   }
   RunHandler(form->typeName_ + ":Form_BubblingEvent", HandlerMode::Report,
              [&] { form->Form_BubblingEvent(*this, name, args); });

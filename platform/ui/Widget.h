@@ -6,7 +6,9 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "platform/KeyedCollection.h"
@@ -20,9 +22,9 @@ class Widget;
 
 // Key codes and flags as the program's handlers expect them.
 namespace Key {
-constexpr int Back = 8, Tab = 9, Return = 13, ShiftKey = 16, Control = 17, AltKey = 18, Escape = 27, Space = 32,
-              PageUp = 33, PageDown = 34, End = 35, Home = 36, Left = 37, Up = 38, Right = 39, Down = 40,
-              PrintScreen = 44, Insert = 45, Delete = 46, Numpad0 = 96, F1 = 112;
+constexpr int Back = 8, Tab = 9, Return = 13, ShiftKey = 16, Control = 17, AltKey = 18, Escape = 27,
+              Space = 32, PageUp = 33, PageDown = 34, End = 35, Home = 36, Left = 37, Up = 38, Right = 39,
+              Down = 40, PrintScreen = 44, Insert = 45, Delete = 46, Numpad0 = 96, F1 = 112;
 }
 namespace Shift {
 constexpr int None = 0, ShiftKey = 1, Ctrl = 2, Alt = 4;
@@ -35,7 +37,31 @@ constexpr int Arrow = 32512, Wait = 32514, Hand = 32649, IBeam = 32513, SizeNWSE
               SizeWE = 32644, SizeNS = 32645, SizeAll = 32646;
 }
 
-// The children of a widget, owned, in paint order (the last is on top).
+// What a widget shows a user, for the automation's dump and `expect`: each
+// class fills in the parts it has and leaves the others unset.
+struct WidgetState {
+  struct Item {
+    std::string key, caption;
+    bool enabled = true, checked = false;
+  };
+  std::optional<std::string> caption, text;
+  std::optional<double> value, min, max;
+  std::optional<bool> checked;
+  std::optional<int> listCount, listIndex, scrollIndex;
+  std::optional<std::vector<int>> selected;
+  std::optional<std::vector<Item>> items;
+};
+
+// A point a script can aim at inside a part of a widget (a row, an item),
+// in logical units of `widget`, which may be a pop-up the widget opened.
+struct WidgetPoint {
+  Widget* widget = nullptr;  // none: the part is not there or not shown
+  double x = 0, y = 0;
+};
+
+// The children of a widget, in paint order (the last is on top). They are
+// held shared, so that one removed in the middle of an event lives on to
+// the end of the turn.
 class Widgets {
  public:
   explicit Widgets(Widget& owner) : owner_(owner) {}
@@ -45,6 +71,11 @@ class Widgets {
     W& ref = *widget;
     AddWidget(std::unique_ptr<Widget>(std::move(widget)), key);
     return ref;
+  }
+  // Makes a W of the arguments and adds it: Add<cwButton>("btnOk").
+  template <class W, class... Args>
+  W& Add(std::string_view key, Args&&... args) {
+    return Add(std::make_unique<W>(std::forward<Args>(args)...), key);
   }
   void Remove(std::string_view key);
   void Remove(Widget& widget);
@@ -72,6 +103,12 @@ class Widget {
   cfForm* Form() const;
   Widgets& Children() { return children_; }
   const Widgets& Children() const { return children_; }
+  // A widget below this one by its keys, "frmButtons/btnOk"; null when there
+  // is none, or when it is no W.
+  template <class W = Widget>
+  W* Find(std::string_view path) {
+    return dynamic_cast<W*>(FindWidget(path));
+  }
 
   // Geometry in logical units, relative to the parent.
   double Left() const { return left_; }
@@ -118,11 +155,25 @@ class Widget {
   // with the arguments of the handler (mouse: button, shift, x, y; keys:
   // key code, shift).
   void RaiseBubblingEvent(const std::string& name, const std::vector<Value>& args = {});
+  // Tells an event through both channels at once, so that they cannot
+  // drift apart: the typed callback, when one is set, and then the
+  // bubbling event of that name with the same arguments.
+  template <class... Args>
+  void RaiseEvent(const std::function<void(Args...)>& callback, const std::string& name,
+                  std::type_identity_t<Args>... args) {
+    if (callback) callback(args...);
+    RaiseBubblingEvent(name, {Value(args)...});
+  }
 
   // Events. Mouse handlers answer whether they took the input; what a
   // widget leaves goes to its parent. Coordinates are logical, relative to
   // the widget.
   virtual void W_Paint(DrawingContext& ctx, double width, double height) {
+    (void)ctx, (void)width, (void)height;
+  }
+  // Paints over the children once they are painted (a focus frame, a
+  // selection drawn across them), clipped to the widget.
+  virtual void W_PaintOver(DrawingContext& ctx, double width, double height) {
     (void)ctx, (void)width, (void)height;
   }
   virtual bool W_MouseDown(int button, int shift, double x, double y) { return Ignore(button, shift, x, y); }
@@ -136,10 +187,11 @@ class Widget {
   virtual void W_Resize() {}
   virtual void W_MouseEnter() {}
   virtual void W_MouseLeave() {}
-  // Key handlers may change or clear (0) the code they are given.
-  virtual void W_KeyDown(int& keyCode, int shift) { (void)keyCode, (void)shift; }
-  virtual void W_KeyUp(int& keyCode, int shift) { (void)keyCode, (void)shift; }
-  virtual void W_KeyPress(int& keyAscii) { (void)keyAscii; }
+  // Keys go to the focused widget. A handler answers whether it took the
+  // key; one it leaves climbs to the widget's parent, and on to the form.
+  virtual bool W_KeyDown(int keyCode, int shift) { return Ignore(keyCode, shift, 0, 0); }
+  virtual bool W_KeyUp(int keyCode, int shift) { return Ignore(keyCode, shift, 0, 0); }
+  virtual bool W_KeyPress(int keyAscii) { return Ignore(keyAscii, 0, 0, 0); }
   // A drag of the program ended over this widget.
   virtual void W_DragDrop(const std::string& dataKey, Widget& source, double x, double y) {
     (void)dataKey, (void)source, (void)x, (void)y;
@@ -155,11 +207,23 @@ class Widget {
   virtual void W_BubblingEvent(Widget& source, const std::string& name, const std::vector<Value>& args) {
     (void)source, (void)name, (void)args;
   }
+  // The widget's own state (caption, value, rows, ...) for the automation.
+  virtual void W_ReportState(WidgetState& state) const { (void)state; }
+  // Where a row, or an item by its key, is shown now; none when it is not.
+  virtual WidgetPoint W_RowPoint(int row) {
+    (void)row;
+    return {};
+  }
+  virtual WidgetPoint W_ItemPoint(const std::string& key) {
+    (void)key;
+    return {};
+  }
 
  private:
   friend class Widgets;
   friend class cfForm;
   static bool Ignore(int, int, double, double) { return false; }
+  Widget* FindWidget(std::string_view path);
 
   std::string typeName_;
   std::string key_;

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "platform/DrawingSurface.h"
+#include "platform/Files.h"
 #include "tests/support/Golden.h"
 #include "tests/support/TempDir.h"
 
@@ -73,9 +74,17 @@ TEST(RealWindow, TheDemonstrationFormUnderXLooksAsItDoesWithoutADisplay) {
   const pid_t program = Spawn({QDS_APP_EXE, "--demo-widgets", "--screenshot", shot},
                               {"DISPLAY=" + name, "ASAN_OPTIONS=detect_leaks=0"});
   const int code = program > 0 ? Wait(program, 60) : -1;
+  // A script drives the real window too, a modal dialog included.
+  qds::WriteUtf8Text(dir / "script.txt",
+                     "click btnOk\nwait 50\nexpect sbStatus caption Clicks: 1\nclick btnAsk\nclick btnYes\n"
+                     "expect sbStatus caption Answer: Yes\n");
+  const pid_t script = Spawn({QDS_APP_EXE, "--automate", dir / "script.txt", "--real-window"},
+                             {"DISPLAY=" + name, "ASAN_OPTIONS=detect_leaks=0"});
+  const int scriptCode = script > 0 ? Wait(script, 60) : -1;
   kill(server, SIGTERM);
   Wait(server, 10);
   ASSERT_EQ(code, 0);
+  EXPECT_EQ(scriptCode, 0);
   const SurfacePtr window = DrawingSurface::FromPngFile(shot);
   ASSERT_TRUE(window);
 

@@ -20,10 +20,14 @@ namespace {
 struct Recorder : Widget {
   std::vector<std::string> log;
   Recorder() : Widget("Recorder") { CanFocus = true; }
-  void W_KeyDown(int& key, int shift) override {
+  bool W_KeyDown(int key, int shift) override {
     log.push_back("down " + std::to_string(key) + "/" + std::to_string(shift));
+    return true;
   }
-  void W_KeyPress(int& c) override { log.push_back("press " + std::to_string(c)); }
+  bool W_KeyPress(int c) override {
+    log.push_back("press " + std::to_string(c));
+    return true;
+  }
   bool W_MouseDown(int button, int, double x, double y) override {
     log.push_back("mouse " + std::to_string(button) + " at " + std::to_string(int(x)) + "," +
                   std::to_string(int(y)));
@@ -77,8 +81,9 @@ TEST(SdlEvents, KeysTextMouseAndSizeChangesReachTheForm) {
   e.button.x = 40, e.button.y = 20;  // device pixels: half that in units
   SDL_PushEvent(&e);
   root.DoEvents();
-  EXPECT_EQ(rec.log, (std::vector<std::string>{"down 37/3", "down 18/0", "down 103/0", "down 189/0", "down 116/0",
-                                               "press 97", "press 233", "press 8364", "mouse 2 at 20,10"}));
+  EXPECT_EQ(rec.log,
+            (std::vector<std::string>{"down 37/3", "down 18/0", "down 103/0", "down 189/0", "down 116/0",
+                                      "press 97", "press 233", "press 8364", "mouse 2 at 20,10"}));
 
   // The desktop sized the window: the form follows in units and lays out.
   const int before = form.resized;

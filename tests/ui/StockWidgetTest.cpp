@@ -393,14 +393,24 @@ TEST(StockWidgets, FolderAndFileListsShowRealFoldersFilteredAndFollowRescan) {
   EXPECT_EQ(files.List(1), "two.png");
   ui.Click(files);  // below the rows: nothing chosen
   EXPECT_EQ(files.FileName(), "");
+  int clicks = 0;
+  files.Click = [&] { ++clicks; };
+  form.events.clear();
   ui.Mouse(form, UiEvent::Type::MouseDown, 250, 30);
   EXPECT_EQ(files.FileName(), "two.png");
+  // The keys choose a row as the mouse does: the owner hears it through the
+  // callback and by name alike, and a key that moves nowhere says nothing.
+  ui.Press(form, Key::Up);
+  EXPECT_EQ(files.FileName(), "one.SVG");
+  ui.Press(form, Key::Up);
+  EXPECT_EQ(clicks, 2);
+  EXPECT_EQ(std::count(form.events.begin(), form.events.end(), "fil:Click"), 2);
   // A new file shows after a rescan, keeping the selection.
   std::ofstream(root / "a.svg") << "x";
   files.Rescan();
   EXPECT_EQ(files.ListCount(), 3);
-  EXPECT_EQ(files.FileName(), "two.png");
-  EXPECT_EQ(files.ListIndex(), 2);
+  EXPECT_EQ(files.FileName(), "one.SVG");
+  EXPECT_EQ(files.ListIndex(), 1);
 }
 
 TEST(StockWidgets, TreesExpandSelectKeepStateAcrossNewDataAndLetTheOwnerDraw) {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "platform/DrawingContext.h"
 #include "platform/DrawingSurface.h"
 #include "platform/Error.h"
@@ -43,10 +45,15 @@ struct Probe : Widget {
   void W_MouseLeave() override { log.push_back("leave"); }
   void W_GotFocus() override { log.push_back("got focus"); }
   void W_LostFocus() override { log.push_back("lost focus"); }
-  void W_KeyDown(int& key, int shift) override {
+  int takesKey = 0;  // the one key it uses
+  bool W_KeyDown(int key, int shift) override {
     log.push_back("key " + std::to_string(key) + "/" + std::to_string(shift));
+    return key == takesKey;
   }
-  void W_KeyPress(int& ascii) override { log.push_back(std::string("press ") + char(ascii)); }
+  bool W_KeyPress(int ascii) override {
+    log.push_back(std::string("press ") + char(ascii));
+    return false;
+  }
   std::vector<std::string> heard;  // events bubbling up from below
   void W_BubblingEvent(Widget& source, const std::string& name, const std::vector<Value>&) override {
     heard.push_back(source.Key() + ":" + name);
@@ -56,7 +63,7 @@ struct Probe : Widget {
 struct TestForm : cfForm {
   std::vector<std::string> bubbled;
   std::vector<int> keys;
-  bool swallowEscape = false;
+  bool takesEscape = false;
   bool keepOnCloseBox = false;
   int unloaded = 0;
   bool Form_QueryUnload(int mode) override { return !(keepOnCloseBox && mode == UnloadMode::ControlMenu); }
@@ -64,9 +71,9 @@ struct TestForm : cfForm {
   void Form_BubblingEvent(Widget& source, const std::string& name, const std::vector<Value>& args) override {
     bubbled.push_back(source.Key() + ":" + name + (args.empty() ? "" : ":" + args[0].AsString()));
   }
-  void Form_KeyDown(int& key, int) override {
+  bool Form_KeyDown(int key, int) override {
     keys.push_back(key);
-    if (swallowEscape && key == Key::Escape) key = 0;
+    return takesEscape && key == Key::Escape;
   }
 };
 
@@ -177,20 +184,28 @@ TEST_F(Ui, MouseGoesToTheDeepestWidgetThenUpAndFollowsTheCapture) {
   EXPECT_TRUE(child->log.empty());
 }
 
-TEST_F(Ui, KeysReachTheFormFirstThenTheFocusAndEventsBubble) {
+TEST_F(Ui, KeysClimbFromTheFocusToTheFormAndEventsBubble) {
   child->SetFocus();
+  child->takesKey = Key::Left;
+  panel->takesKey = Key::Up;
+  form.takesEscape = true;
+  // The focused widget takes Left; Up climbs to the panel, which takes it;
+  // Escape climbs past both to the form; F1 nobody takes.
   backend->Push({UiEvent::Type::KeyDown, &form, 0, Shift::Ctrl, Key::Left, 0, 0});
-  backend->Push({UiEvent::Type::KeyPress, &form, 0, 0, 'q', 0, 0});
-  form.swallowEscape = true;
+  backend->Push({UiEvent::Type::KeyDown, &form, 0, 0, Key::Up, 0, 0});
   backend->Push({UiEvent::Type::KeyDown, &form, 0, 0, Key::Escape, 0, 0});
+  backend->Push({UiEvent::Type::KeyDown, &form, 0, 0, Key::F1, 0, 0});
+  backend->Push({UiEvent::Type::KeyPress, &form, 0, 0, 'q', 0, 0});
   root.DoEvents();
-  EXPECT_EQ(form.keys, (std::vector<int>{Key::Left, Key::Escape}));
-  EXPECT_EQ(child->log, (std::vector<std::string>{"got focus", "key 37/2", "press q"}));  // no Escape
+  EXPECT_EQ(child->log, (std::vector<std::string>{"got focus", "key 37/2", "key 38/0", "key 27/0",
+                                                  "key 112/0", "press q"}));
+  EXPECT_EQ(panel->log, (std::vector<std::string>{"key 38/0", "key 27/0", "key 112/0", "press q"}));
+  EXPECT_EQ(form.keys, (std::vector<int>{Key::Escape, Key::F1}));
 
   // The platform's own events bubble by name with their arguments, each
-  // ancestor hearing them before the form; a key the form swallowed does not.
+  // ancestor hearing them before the form; a key somebody took does not.
   child->RaiseBubblingEvent("Click", {Value(3)});
-  EXPECT_EQ(form.bubbled, (std::vector<std::string>{"child:W_GotFocus", "child:W_KeyDown:37",
+  EXPECT_EQ(form.bubbled, (std::vector<std::string>{"child:W_GotFocus", "child:W_KeyDown:112",
                                                     "child:W_KeyPress:113", "child:Click:3"}));
   EXPECT_EQ(panel->heard, (std::vector<std::string>{"child:W_GotFocus", "child:W_KeyDown", "child:W_KeyPress",
                                                     "child:Click"}));
@@ -251,6 +266,81 @@ TEST_F(Ui, TimersAndDeferredWorkRunOnTheLoop) {
   backend->AdvanceMs(50);
   root.DoEvents();
   EXPECT_EQ(fired, 2);
+}
+
+TEST_F(Ui, DistantChangesRepaintApartAFailingWidgetSpoilsOnlyItselfAndPaintOverComesLast) {
+  // Two small changes in opposite corners: two small rectangles, and the
+  // panel between them is left alone.
+  Probe& a = form.Children().Add<Probe>("a", 0x00FF00);
+  a.Move(2, 2, 6, 6);
+  Probe& b = form.Children().Add<Probe>("b", 0x00FF00);
+  b.Move(90, 70, 6, 6);
+  root.DoEvents();
+  panel->paints = a.paints = b.paints = 0;
+  a.Refresh();
+  b.Refresh();
+  root.DoEvents();
+  EXPECT_EQ(a.paints, 1);
+  EXPECT_EQ(b.paints, 1);
+  EXPECT_EQ(panel->paints, 0);
+  ASSERT_EQ(form.LastPaintedRects().size(), 2u);
+  for (const cfForm::DeviceRect& r : form.LastPaintedRects()) EXPECT_LE(r.w * r.h, 10 * 10);
+
+  // A widget whose painting fails half way, with a state saved and moved:
+  // its child, the widget after it and the paint-over of its parent still
+  // paint, each in its place.
+  struct Failing : Probe {
+    using Probe::Probe;
+    void W_Paint(DrawingContext& ctx, double, double) override {
+      ctx.Save();
+      ctx.Translate(-30, -30);
+      ctx.Rectangle(0, 0, 5, 5);
+      throw std::runtime_error("no paint today");
+    }
+  };
+  struct Framed : Probe {
+    using Probe::Probe;
+    void W_PaintOver(DrawingContext& ctx, double w, double) override {
+      ctx.SetSourceColor(0x000000);
+      ctx.Rectangle(0, 0, w, 3);
+      ctx.Fill();
+    }
+  };
+  Framed& framed = form.Children().Add<Framed>("framed", 0xFFFF00);
+  framed.Move(60, 40, 38, 20);
+  Failing& failing = framed.Children().Add<Failing>("failing", 0x0000FF);
+  failing.Move(2, 0, 10, 20);
+  failing.Children().Add<Probe>("inner", 0xFF0000).Move(0, 10, 10, 10);
+  framed.Children().Add<Probe>("after", 0x00FF00).Move(20, 0, 10, 20);
+  root.DoEvents();
+  const SurfacePtr& s = form.Surface();
+  EXPECT_EQ(PixelAt(s, 65, 55), (Bgra{255, 0, 0, 255}));  // the failing widget's child
+  EXPECT_EQ(PixelAt(s, 85, 50), (Bgra{0, 255, 0, 255}));  // the widget after it
+  EXPECT_EQ(PixelAt(s, 85, 41), (Bgra{0, 0, 0, 255}));    // the parent's paint-over, over its children
+}
+
+TEST_F(Ui, ARemovedWidgetsTimersStopAtOnceAndWidgetsAreFoundByTheirKeys) {
+  // Made and added in one step, found again by keys without a cast.
+  Probe& inner = child->Children().Add<Probe>("inner", 0x00FF00);
+  EXPECT_EQ(form.Find<Probe>("panel/child/inner"), &inner);
+  EXPECT_EQ(panel->Find("child/inner"), &inner);
+  EXPECT_EQ(form.Find<Probe>("panel/child"), child);
+  EXPECT_EQ(form.Find<cfForm>("panel/child"), nullptr);  // there, but of another class
+  EXPECT_EQ(form.Find("panel/nobody"), nullptr);
+  EXPECT_EQ(form.Find("child"), nullptr);  // keys go down from the widget asked
+
+  // A timer that takes the child away in the turn in which the child's
+  // timer, and that of a widget inside it, are due too: neither fires.
+  int fired = 0;
+  root.SetTimer(panel, 10, [&] {
+    if (panel->Children().Exists("child")) panel->Children().Remove("child");
+  });
+  root.SetTimer(child, 10, [&] { ++fired; });
+  root.SetTimer(&inner, 10, [&] { ++fired; });
+  backend->AdvanceMs(10);
+  root.DoEvents();
+  EXPECT_FALSE(panel->Children().Exists("child"));
+  EXPECT_EQ(fired, 0);
 }
 
 TEST_F(Ui, AModalFormBlocksItsOwnerUntilClosed) {

@@ -1,0 +1,219 @@
+// Scripts run by the program itself against the demonstration form,
+// headless: what a user does, what the dump says of it, and how a failing
+// line is told.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "platform/DrawingSurface.h"
+#include "platform/Files.h"
+#include "tests/support/Golden.h"
+#include "tests/support/TempDir.h"
+
+using namespace qds;
+using Json = nlohmann::json;
+
+namespace {
+
+struct ScriptRun {
+  int code = -1;
+  std::string err;
+};
+
+// Runs SCRIPT in `dir`, where its files go.
+ScriptRun RunScript(const TempDir& dir, const std::string& script) {
+  WriteUtf8Text(dir / "script.txt", script);
+  const std::string command = "cd '" + dir.Path() + "' && '" + QDS_APP_EXE +
+                              "' --demo-widgets --automate script.txt 2> err.txt > out.txt";
+  const int status = std::system(command.c_str());
+  ScriptRun r;
+  r.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  r.err = ReadAllText(dir / "err.txt");
+  return r;
+}
+
+Json Load(const TempDir& dir, const std::string& name) {
+  return Json::parse(ReadAllText(dir / name));
+}
+
+// The dump's object of the widget with that path on the named form.
+Json WidgetOf(const Json& dump, const std::string& form, const std::string& path) {
+  for (const Json& f : dump["forms"]) {
+    if (f["name"] != form) continue;
+    for (const Json& w : f["widgets"]) {
+      if (w["path"] == path) return w;
+    }
+  }
+  return Json();
+}
+
+bool HasForm(const Json& dump, const std::string& name) {
+  for (const Json& f : dump["forms"]) {
+    if (f["name"] == name) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+TEST(Automation, MouseKeysAndTypingChangeTheFormAsTheDumpShows) {
+  TempDir dir;
+  const ScriptRun r = RunScript(dir, R"(# each step is seen in the dump that follows it
+dump before.json
+click btnOk
+click frmButtons/btnOk
+click chkRuler
+dump clicked.json
+click txtTyped
+type héllo #1
+key Back
+key a
+key shift+b
+key ctrl+c
+dump typed.json
+wheel vsbDemo 1
+click treDemo row 0
+key Down
+key Down
+expect treDemo listIndex 2
+drag hsbDemo at 130 8 to hsbDemo at 170 8
+dump moved.json
+)");
+  ASSERT_EQ(r.code, 0) << r.err;
+  EXPECT_EQ(r.err, "");
+
+  const Json before = Load(dir, "before.json");
+  ASSERT_EQ(before["forms"].size(), 1u);
+  EXPECT_EQ(before["forms"][0]["name"], "DemoWidgetsForm");
+  EXPECT_EQ(before["forms"][0]["active"], true);
+  EXPECT_EQ(WidgetOf(before, "DemoWidgetsForm", "sbStatus")["caption"], "Clicks: 0");
+  EXPECT_EQ(WidgetOf(before, "DemoWidgetsForm", "frmButtons/chkRuler")["checked"], true);
+  EXPECT_EQ(WidgetOf(before, "DemoWidgetsForm", "frmButtons/btnOff")["enabled"], false);
+  const Json ok = WidgetOf(before, "DemoWidgetsForm", "frmButtons/btnOk");
+  EXPECT_EQ(ok["class"], "cwButton");
+  EXPECT_EQ(ok["x"], 20);
+  EXPECT_EQ(ok["y"], 34);
+  EXPECT_EQ(ok["width"], 80);
+
+  const Json clicked = Load(dir, "clicked.json");
+  EXPECT_EQ(WidgetOf(clicked, "DemoWidgetsForm", "sbStatus")["caption"], "Clicks: 2");
+  EXPECT_EQ(WidgetOf(clicked, "DemoWidgetsForm", "frmButtons/chkRuler")["checked"], false);
+  EXPECT_EQ(WidgetOf(clicked, "DemoWidgetsForm", "frmButtons/chkRuler")["focused"], true);
+
+  // Typed text, Backspace taking a character, a letter key typing, a
+  // shifted one typing a capital and a control key typing nothing.
+  const Json typed = Load(dir, "typed.json");
+  EXPECT_EQ(WidgetOf(typed, "DemoWidgetsForm", "txtTyped")["text"], "héllo #aB");
+  EXPECT_EQ(WidgetOf(typed, "DemoWidgetsForm", "txtTyped")["focused"], true);
+
+  const Json moved = Load(dir, "moved.json");
+  const Json tree = WidgetOf(moved, "DemoWidgetsForm", "treDemo");
+  EXPECT_EQ(tree["listIndex"], 2);
+  EXPECT_EQ(tree["selected"], Json::array({2}));
+  EXPECT_EQ(tree["text"], "Solid");
+  // The wheel rolled one notch up; the thumb dragged 40 of its 153 pixels
+  // of way to the right.
+  EXPECT_EQ(WidgetOf(moved, "DemoWidgetsForm", "vsbDemo")["value"], 27);
+  const Json bar = WidgetOf(moved, "DemoWidgetsForm", "hsbDemo");
+  EXPECT_GE(bar["value"].get<double>(), 90);
+  EXPECT_EQ(bar["max"], 100);
+}
+
+TEST(Automation, AModalDialogAndAMenuAreAnsweredFromTheScript) {
+  TempDir dir;
+  const ScriptRun r = RunScript(dir, R"(click btnAsk
+expect lblQuestion caption Keep the changes?
+dump asking.json
+click DemoAskForm/btnYes
+expect sbStatus caption Answer: Yes
+click btnAsk
+key Escape
+expect sbStatus caption Answer: No
+click btnMenu
+dump menu.json
+click mnuDemo item Demo>Close
+expect sbStatus caption Chosen: Demo>Close
+move frmButtons/btnSave
+wait 700
+dump tip.json
+close
+)");
+  ASSERT_EQ(r.code, 0) << r.err;
+
+  const Json asking = Load(dir, "asking.json");
+  ASSERT_EQ(asking["forms"].size(), 2u);
+  EXPECT_EQ(asking["forms"][1]["name"], "DemoAskForm");
+  EXPECT_EQ(asking["forms"][1]["modal"], true);
+  EXPECT_EQ(asking["forms"][1]["active"], true);
+  EXPECT_EQ(asking["forms"][0]["active"], false);
+
+  const Json menu = Load(dir, "menu.json");
+  ASSERT_TRUE(HasForm(menu, "MenuPopUp"));
+  const Json items = WidgetOf(menu, "DemoWidgetsForm", "mnuDemo")["items"];
+  ASSERT_EQ(items.size(), 6u);
+  EXPECT_EQ(items[1]["key"], "Demo>Save");
+  EXPECT_EQ(items[1]["enabled"], false);
+
+  // The tip shows once the mouse has rested 600 virtual milliseconds.
+  EXPECT_TRUE(HasForm(Load(dir, "tip.json"), "ToolTipForm"));
+}
+
+TEST(Automation, AFailingLineIsNamedAndNothingAfterItRuns) {
+  TempDir dir;
+  ScriptRun r =
+      RunScript(dir, "click btnOk\n\n# a comment\nexpect sbStatus caption Clicks: 5\ndump after.json\n");
+  EXPECT_EQ(r.code, 1);
+  EXPECT_EQ(r.err,
+            "line 4: expect sbStatus caption Clicks: 5: expected caption 'Clicks: 5', found 'Clicks: 1'\n");
+  EXPECT_FALSE(FileExists(dir / "after.json"));
+
+  r = RunScript(dir, "click btnOk\nclick btnNothing\n");
+  EXPECT_EQ(r.code, 1);
+  EXPECT_EQ(r.err, "line 2: click btnNothing: no widget 'btnNothing' in the open forms\n");
+
+  r = RunScript(dir, "expect btnOk colour red\n");
+  EXPECT_EQ(r.code, 1);
+  EXPECT_NE(r.err.find("line 1: expect btnOk colour red: 'btnOk' has no property 'colour' (it has path,"),
+            std::string::npos)
+      << r.err;
+
+  r = RunScript(dir, "click treDemo row 40\n");
+  EXPECT_EQ(r.err, "line 1: click treDemo row 40: 'treDemo' shows no row 40\n");
+
+  // The tree's own bar, and that of the list in the open drop-down.
+  r = RunScript(dir, "click ddDemo\nclick vsbRows\n");
+  EXPECT_NE(r.err.find("line 2: click vsbRows: 'vsbRows' is ambiguous: "), std::string::npos) << r.err;
+
+  // A mistake anywhere is found before the first line runs.
+  r = RunScript(dir, "dump first.json\nwait -5\n");
+  EXPECT_EQ(r.code, 1);
+  EXPECT_EQ(r.err, "line 2: wait -5: the milliseconds must be from 0 to 3600000, not -5\n");
+  EXPECT_FALSE(FileExists(dir / "first.json"));
+  r = RunScript(dir, "key ctrl+Banana\n");
+  EXPECT_EQ(r.err, "line 1: key ctrl+Banana: unknown key 'Banana'\n");
+  r = RunScript(dir, "hover btnOk\n");
+  EXPECT_EQ(r.err, "line 1: hover btnOk: unknown command 'hover'\n");
+
+  // Lines left when the last form has gone cannot run.
+  r = RunScript(dir, "close\nclick btnOk\n");
+  EXPECT_EQ(r.code, 1);
+  EXPECT_EQ(r.err, "line 2: click btnOk: no form is open any more\n");
+}
+
+TEST(Automation, AScreenshotIsThePictureOfTheForm) {
+  TempDir dir;
+  const ScriptRun r = RunScript(
+      dir, "screenshot form.png\nclick btnAsk\nscreenshot dialog.png\nscreenshot main.png DemoWidgetsForm\n");
+  ASSERT_EQ(r.code, 0) << r.err;
+  const SurfacePtr form = DrawingSurface::FromPngFile(dir / "form.png");
+  ASSERT_TRUE(form);
+  EXPECT_TRUE(MatchesGolden(form, "demo_widgets"));
+  const SurfacePtr dialog = DrawingSurface::FromPngFile(dir / "dialog.png");
+  ASSERT_TRUE(dialog);
+  EXPECT_EQ(dialog->Width(), 240);
+  EXPECT_TRUE(MatchesGolden(dialog, "demo_ask"));
+  EXPECT_EQ(DrawingSurface::FromPngFile(dir / "main.png")->Width(), form->Width());
+}

@@ -41,7 +41,7 @@ struct SettingSpec {
 // to be changed, so that the caller can say so.
 int CheckSettings(JsonBag& bag, std::span<const SettingSpec> specs);
 
-// The spec of `key`, or none.
+// The row of `key` in the table, or none.
 const SettingSpec* FindSetting(std::span<const SettingSpec> specs, std::string_view key);
 
 // Stores a value brought into the limits of its spec (as it is, for a key

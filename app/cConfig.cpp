@@ -13,14 +13,14 @@ constexpr const char* kMessageFlags[] = {"MsgSaveDesign",  "MsgDelOverlay",     
                                          "MsgDelClip",     "MsgDelColorThemes", "MsgDelIcons",
                                          "MsgDelStyle",    "MsgDelTheme",       "MsgDeleteColorPreset"};
 
-#define QDS_SPEC(Type, Name, Kind, Def, Min, Max, Getter, Setter) \
-  QDS_SETTING_SPEC(Kind, #Name, Def, Min, Max),
-constexpr SettingSpec kConfigSettings[] = {QDS_CONFIG_SETTINGS(QDS_SPEC)};
-#undef QDS_SPEC
+#define QDS_RULE(Type, Name, Kind, Def, Min, Max, Getter, Setter) \
+  QDS_SETTING_RULE(Kind, #Name, Def, Min, Max),
+constexpr SettingRule kConfigSettings[] = {QDS_CONFIG_SETTINGS(QDS_RULE)};
+#undef QDS_RULE
 
 }  // namespace
 
-std::span<const SettingSpec> ConfigSettings() {
+std::span<const SettingRule> ConfigSettings() {
   return kConfigSettings;
 }
 

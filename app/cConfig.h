@@ -82,7 +82,7 @@ namespace qds {
   X(double, UserZoom, Number, 1.25, 1, 4, Plain, Plain)
 
 // The table above as data.
-std::span<const SettingSpec> ConfigSettings();
+std::span<const SettingRule> ConfigSettings();
 
 class cConfig {
  public:

@@ -36,7 +36,7 @@ bool IsStudioOption(const std::string& word) {
 // saves what the real window shows and closes it; --automate runs a script
 // against it, headless unless --real-window asks for SDL's windows.
 int Studio(const std::vector<std::string>& args) {
-  static constexpr qds::OptionSpec kKnown[] = {{"--app-dir", true},
+  static constexpr qds::OptionRule kKnown[] = {{"--app-dir", true},
                                                {"--demo-widgets", false},
                                                {"--screenshot", true},
                                                {"--automate", true},

@@ -79,7 +79,7 @@ void ReportCorrected(std::ostream& err, int count, const std::string& what) {
 CommandLine ParseCommandLine(const std::vector<std::string>& args) {
   // Options of the program itself may stand anywhere; after the command,
   // those it does not know are the command's own.
-  static constexpr OptionSpec kKnown[] = {{"--app-dir", true}, {"--help", false}, {"--version", false}};
+  static constexpr OptionRule kKnown[] = {{"--app-dir", true}, {"--help", false}, {"--version", false}};
   CommandLine cmd;
   std::vector<std::string> rest;
   for (const std::string& a : args) {

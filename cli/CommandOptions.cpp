@@ -9,9 +9,9 @@ namespace qds {
 
 namespace {
 
-const OptionSpec* Find(std::string_view name, std::span<const OptionSpec> known) {
+const OptionRule* Find(std::string_view name, std::span<const OptionRule> known) {
   const auto it =
-      std::find_if(known.begin(), known.end(), [&](const OptionSpec& o) { return o.name == name; });
+      std::find_if(known.begin(), known.end(), [&](const OptionRule& o) { return o.name == name; });
   return it == known.end() ? nullptr : &*it;
 }
 
@@ -53,11 +53,11 @@ std::string CommandArgs::Get(const std::string& o) const {
   return it == options.end() ? std::string() : it->second;
 }
 
-std::string UnknownOption(std::string_view option, std::span<const OptionSpec> known) {
+std::string UnknownOption(std::string_view option, std::span<const OptionRule> known) {
   const std::string typed = Bare(option);
   std::string best;
   std::size_t bestDistance = 0;
-  for (const OptionSpec& o : known) {
+  for (const OptionRule& o : known) {
     const std::string name = Bare(o.name);
     const std::size_t d = Distance(typed, name);
     // Two slips at most, and never half the word: "--xyz" is no "--ids".
@@ -69,7 +69,7 @@ std::string UnknownOption(std::string_view option, std::span<const OptionSpec> k
   }
   // Else a beginning of one option only: "--over" for "--overwrite".
   if (best.empty() && typed.size() >= 2) {
-    for (const OptionSpec& o : known) {
+    for (const OptionRule& o : known) {
       if (Bare(o.name).rfind(typed, 0) != 0) continue;
       if (!best.empty()) return "unknown option " + std::string(option);
       best = o.name;
@@ -78,7 +78,7 @@ std::string UnknownOption(std::string_view option, std::span<const OptionSpec> k
   return "unknown option " + std::string(option) + (best.empty() ? "" : "; did you mean " + best + "?");
 }
 
-CommandArgs ReadCommandArgs(const std::vector<std::string>& in, std::span<const OptionSpec> known,
+CommandArgs ReadCommandArgs(const std::vector<std::string>& in, std::span<const OptionRule> known,
                             std::size_t mostWords, UnknownOptions unknown) {
   CommandArgs a;
   for (std::size_t i = 0; i < in.size(); ++i) {
@@ -88,8 +88,8 @@ CommandArgs ReadCommandArgs(const std::vector<std::string>& in, std::span<const 
       continue;
     }
     const std::string name(NameOf(word));
-    const OptionSpec* spec = Find(name, known);
-    if (!spec) {
+    const OptionRule* rule = Find(name, known);
+    if (!rule) {
       if (unknown == UnknownOptions::PassAfterFirstWord && !a.words.empty()) {
         a.words.push_back(word);
         continue;
@@ -103,12 +103,12 @@ CommandArgs ReadCommandArgs(const std::vector<std::string>& in, std::span<const 
     }
     std::string value;
     if (name.size() < word.size()) {
-      if (!spec->takesValue) {
+      if (!rule->takesValue) {
         a.error = name + " takes no value";
         return a;
       }
       value = word.substr(name.size() + 1);
-    } else if (spec->takesValue) {
+    } else if (rule->takesValue) {
       // "--name --overwrite" forgot the name; "--prefix -x" means "-x".
       if (i + 1 >= in.size() || (IsOption(in[i + 1]) && Find(NameOf(in[i + 1]), known))) {
         a.error = name + " needs a value";

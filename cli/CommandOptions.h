@@ -13,7 +13,7 @@
 
 namespace qds {
 
-struct OptionSpec {
+struct OptionRule {
   std::string_view name;  // with its "--"
   bool takesValue;
 };
@@ -37,12 +37,12 @@ enum class UnknownOptions {
 // or after "=" (--out=DIR). A value may itself begin with "-", but when the
 // next word is a known option the value was left out, and that is an error.
 // More than `mostWords` plain words are an error too.
-CommandArgs ReadCommandArgs(const std::vector<std::string>& words, std::span<const OptionSpec> known,
+CommandArgs ReadCommandArgs(const std::vector<std::string>& words, std::span<const OptionRule> known,
                             std::size_t mostWords, UnknownOptions unknown = UnknownOptions::Refuse);
 
 // "unknown option --fromat; did you mean --format?": the hint names the known
 // option nearest to what was typed, when one is near enough to be meant.
-std::string UnknownOption(std::string_view option, std::span<const OptionSpec> known);
+std::string UnknownOption(std::string_view option, std::span<const OptionRule> known);
 
 // Optional blanks around an optional sign and decimal digits, nothing else;
 // nullopt also for a number beyond 64 bits.

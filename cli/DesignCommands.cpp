@@ -24,12 +24,12 @@ namespace {
 struct SubCommand {
   std::string_view name;
   std::size_t words;
-  std::span<const OptionSpec> options;
+  std::span<const OptionRule> options;
 };
 
-constexpr OptionSpec kSaveOptions[] = {{"--from", true}, {"--replace", false}};
-constexpr OptionSpec kExportTplOptions[] = {{"--out", true}, {"--replace", false}};
-constexpr OptionSpec kImportTplOptions[] = {{"--name", true}, {"--replace", false}};
+constexpr OptionRule kSaveOptions[] = {{"--from", true}, {"--replace", false}};
+constexpr OptionRule kExportTplOptions[] = {{"--out", true}, {"--replace", false}};
+constexpr OptionRule kImportTplOptions[] = {{"--name", true}, {"--replace", false}};
 constexpr SubCommand kSubCommands[] = {{"list", 0, {}},
                                        {"show", 1, {}},
                                        {"save", 1, kSaveOptions},

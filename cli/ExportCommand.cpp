@@ -26,7 +26,7 @@ namespace qds {
 namespace {
 
 // Every option of export, and whether a value follows it.
-constexpr OptionSpec kExportOptions[] = {{"--design", true},
+constexpr OptionRule kExportOptions[] = {{"--design", true},
                                          {"--design-file", true},
                                          {"--out", true},
                                          {"--format", true},

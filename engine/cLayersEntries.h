@@ -13,7 +13,7 @@ namespace qds {
 // What an entry holds besides the layer's own settings, with its limits:
 // the colour filter code, the blend operator, the colour (R, G, B) and the
 // hue, saturation and lightness shifts. A channel may also be null: no value.
-inline constexpr SettingSpec kEntrySettings[] = {
+inline constexpr SettingRule kEntrySettings[] = {
     {"Key", SettingKind::Text, 0, 0, 256, ""},          {"ImageIDs", SettingKind::Text, 0, 0, 4 << 20, ""},
     {"IsBaseEntry", SettingKind::Flag, 0, 0, 1, {}},    {"Settings", SettingKind::Text, 0, 0, 16 << 20, ""},
     {"ColorFilter", SettingKind::Whole, -1, -6, 0, {}}, {"FillOptions", SettingKind::Whole, 2, 0, 255, {}},

@@ -136,12 +136,12 @@ void cSVGItem::ReApply() {
 
 namespace {
 
-#define QDS_SPEC(Type, Name, Key, Kind, Def, Min, Max, Setter) QDS_SETTING_SPEC(Kind, Key, Def, Min, Max),
-constexpr SettingSpec kLayerSettings[] = {QDS_LAYER_SETTINGS(QDS_SPEC)};
-#undef QDS_SPEC
+#define QDS_RULE(Type, Name, Key, Kind, Def, Min, Max, Setter) QDS_SETTING_RULE(Kind, Key, Def, Min, Max),
+constexpr SettingRule kLayerSettings[] = {QDS_LAYER_SETTINGS(QDS_RULE)};
+#undef QDS_RULE
 
 // A gradient stop: where it sits, its colour (0xBBGGRR) and its alpha.
-constexpr SettingSpec kStopSettings[] = {
+constexpr SettingRule kStopSettings[] = {
     {"Offset", SettingKind::Number, 0, 0, 1, {}},
     {"Color", SettingKind::Whole, 0, 0, 0xFFFFFF, {}},
     {"Alpha", SettingKind::Number, 1, 0, 1, {}},
@@ -151,7 +151,7 @@ constexpr std::size_t kMaxGradStops = 65536;
 
 }  // namespace
 
-std::span<const SettingSpec> LayerSettings() {
+std::span<const SettingRule> LayerSettings() {
   return kLayerSettings;
 }
 

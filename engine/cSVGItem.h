@@ -114,7 +114,7 @@ struct LayerPlacement {
   X(bool, GradInvert, "GradInvert", Flag, false, 0, 1, Plain)
 
 // The table above as data, for checking a bag read from elsewhere.
-std::span<const SettingSpec> LayerSettings();
+std::span<const SettingRule> LayerSettings();
 // Brings a layer's settings into their limits, the gradient stops too.
 // Answers how many values had to be changed.
 int CheckLayerSettings(JsonBag& bag);

@@ -20,7 +20,7 @@ enum class SettingKind {
   Text,    // a string of at most `max` bytes
 };
 
-struct SettingSpec {
+struct SettingRule {
   std::string_view key;
   SettingKind kind;
   double def;             // Number, Whole, Flag (0 or 1)
@@ -33,44 +33,44 @@ struct SettingSpec {
   std::string Clamp(std::string_view v) const;
 };
 
-// Brings every key of `specs` that the bag holds into range, in place. A
+// Brings every key of `rules` that the bag holds into range, in place. A
 // value of another kind is converted the way the bag's getters read it
 // (text "5" is 5, -1 is true); one that cannot be is removed, so that its
 // getter answers the default.
 // Keys the table does not know are left alone. Answers how many values had
 // to be changed, so that the caller can say so.
-int CheckSettings(JsonBag& bag, std::span<const SettingSpec> specs);
+int CheckSettings(JsonBag& bag, std::span<const SettingRule> rules);
 
 // The row of `key` in the table, or none.
-const SettingSpec* FindSetting(std::span<const SettingSpec> specs, std::string_view key);
+const SettingRule* FindSetting(std::span<const SettingRule> rules, std::string_view key);
 
-// Stores a value brought into the limits of its spec (as it is, for a key
+// Stores a value brought into the limits of its rule (as it is, for a key
 // the table does not know).
-void SetChecked(JsonBag& bag, std::span<const SettingSpec> specs, std::string_view key, double v);
-void SetChecked(JsonBag& bag, std::span<const SettingSpec> specs, std::string_view key, const std::string& v);
-inline void SetChecked(JsonBag& bag, std::span<const SettingSpec> specs, std::string_view key, int v) {
-  SetChecked(bag, specs, key, static_cast<double>(v));
+void SetChecked(JsonBag& bag, std::span<const SettingRule> rules, std::string_view key, double v);
+void SetChecked(JsonBag& bag, std::span<const SettingRule> rules, std::string_view key, const std::string& v);
+inline void SetChecked(JsonBag& bag, std::span<const SettingRule> rules, std::string_view key, int v) {
+  SetChecked(bag, rules, key, static_cast<double>(v));
 }
-inline void SetChecked(JsonBag& bag, std::span<const SettingSpec>, std::string_view key, bool v) {
+inline void SetChecked(JsonBag& bag, std::span<const SettingRule>, std::string_view key, bool v) {
   bag.Set(key, v);
 }
 
 // One row of a table kept as an X-macro list: the kind picks where the
 // default goes.
-#define QDS_SETTING_SPEC_Number(Key, Def, Min, Max)    \
+#define QDS_SETTING_RULE_Number(Key, Def, Min, Max)    \
   {                                                    \
     Key, ::qds::SettingKind::Number, Def, Min, Max, {} \
   }
-#define QDS_SETTING_SPEC_Whole(Key, Def, Min, Max)    \
+#define QDS_SETTING_RULE_Whole(Key, Def, Min, Max)    \
   {                                                   \
     Key, ::qds::SettingKind::Whole, Def, Min, Max, {} \
   }
-#define QDS_SETTING_SPEC_Flag(Key, Def, Min, Max)    \
+#define QDS_SETTING_RULE_Flag(Key, Def, Min, Max)    \
   {                                                  \
     Key, ::qds::SettingKind::Flag, Def, Min, Max, {} \
   }
-#define QDS_SETTING_SPEC_Text(Key, Def, Min, Max) \
+#define QDS_SETTING_RULE_Text(Key, Def, Min, Max) \
   { Key, ::qds::SettingKind::Text, 0, Min, Max, Def }
-#define QDS_SETTING_SPEC(Kind, Key, Def, Min, Max) QDS_SETTING_SPEC_##Kind(Key, Def, Min, Max)
+#define QDS_SETTING_RULE(Kind, Key, Def, Min, Max) QDS_SETTING_RULE_##Kind(Key, Def, Min, Max)
 
 }  // namespace qds

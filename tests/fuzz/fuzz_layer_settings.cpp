@@ -38,16 +38,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string once = item.Settings();
   // Whatever came in, what the drawing code reads is within its limits.
   const qds::JsonBag read = qds::JsonBag::FromText(once);
-  for (const qds::SettingSpec& spec : qds::LayerSettings()) {
+  for (const qds::SettingRule& rule : qds::LayerSettings()) {
     const auto& raw = read.Raw();
-    const auto it = raw.find(spec.key);
+    const auto it = raw.find(rule.key);
     if (it == raw.end() || it->is_null()) continue;
-    if (spec.kind == qds::SettingKind::Number || spec.kind == qds::SettingKind::Whole) {
+    if (rule.kind == qds::SettingKind::Number || rule.kind == qds::SettingKind::Whole) {
       if (!it->is_number()) std::abort();
       const double v = it->get<double>();
-      if (!(v >= spec.min && v <= spec.max)) std::abort();
-    } else if (spec.kind == qds::SettingKind::Text) {
-      if (!it->is_string() || it->get<std::string>().size() > spec.max) std::abort();
+      if (!(v >= rule.min && v <= rule.max)) std::abort();
+    } else if (rule.kind == qds::SettingKind::Text) {
+      if (!it->is_string() || it->get<std::string>().size() > rule.max) std::abort();
     } else if (!it->is_boolean()) {
       std::abort();
     }

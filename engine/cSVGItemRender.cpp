@@ -120,40 +120,15 @@ LayerPlacement cSVGItem::Placement(double side, SurfacePtr* measured) const {
   const double d = Distance() / 100;
   const double left = d * S - L, centreX = (S - zS) / 2 - (L - R) / 2, right = (S - zS) - d * S + R;
   const double top = d * S - T, centreY = (S - zS) / 2 - (T - B) / 2, bottom = (S - zS) - d * S + B;
-  switch (Pos()) {
-    case 0:
-      p.tx = (S - zS) / 2 + OffSetx() / 100 * S + MoveX / 100 * S;
-      p.ty = (S - zS) / 2 + OffSetY() / 100 * S + MoveY / 100 * S;
-      break;
-    case 1:
-      p.tx = left, p.ty = top;
-      break;
-    case 2:
-      p.tx = centreX, p.ty = top;
-      break;
-    case 3:
-      p.tx = right, p.ty = top;
-      break;
-    case 4:
-      p.tx = left, p.ty = centreY;
-      break;
-    case 5:
-      p.tx = centreX, p.ty = centreY;
-      break;
-    case 6:
-      p.tx = right, p.ty = centreY;
-      break;
-    case 7:
-      p.tx = left, p.ty = bottom;
-      break;
-    case 8:
-      p.tx = centreX, p.ty = bottom;
-      break;
-    case 9:
-      p.tx = right, p.ty = bottom;
-      break;
-    default:
-      break;
+  const int pos = Pos();
+  if (pos == 0) {
+    p.tx = (S - zS) / 2 + OffSetx() / 100 * S + MoveX / 100 * S;
+    p.ty = (S - zS) / 2 + OffSetY() / 100 * S + MoveY / 100 * S;
+  } else if (pos >= 1 && pos <= 9) {
+    // The snap positions are a 3 by 3 grid counted row by row.
+    const double columns[] = {left, centreX, right}, rows[] = {top, centreY, bottom};
+    p.tx = columns[(pos - 1) % 3];
+    p.ty = rows[(pos - 1) / 3];
   }
   return p;
 }

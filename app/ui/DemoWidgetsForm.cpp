@@ -131,6 +131,7 @@ DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   label.Move(10, 130, 200, 40);
   auto& vertical = Children().Add<cwVScrollBar>("vsbDemo");
   vertical.Move(352, 10, 16, 200);
+  vertical.setAnchors(Anchor::Left | Anchor::Top | Anchor::Bottom);
   vertical.setValue(30);
   auto& horizontal = Children().Add<cwHScrollBar>("hsbDemo");
   horizontal.Move(10, 180, 200, 16);
@@ -154,31 +155,39 @@ DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
     status_->Refresh();
   };
 
-  auto& tree = Children().Add<cwTree>("treDemo");
-  tree.Move(380, 10, 190, 120);
+  // Docked first, so it runs the whole width under the column.
+  status_ = &Children().Add<cwStatusBar>("sbStatus");
+  status_->Caption = "Clicks: 0";
+  status_->Move(0, 0, 0, 24);
+  status_->setDock(Dock::Bottom);
+
+  // The right-hand column keeps to the right edge, and its tree takes the
+  // height the drop-down and the text line leave.
+  auto& side = Children().Add<Widget>("pnlSide", "DemoSidePanel");
+  side.Move(0, 0, 200, 0);
+  side.setDock(Dock::Right);
+  side.setBoxLayout(BoxDirection::Column, 10, 10);
+  auto& tree = side.Children().Add<cwTree>("treDemo");
+  tree.setBoxHint(0, 1);
   tree.setNodes({{"styles", "Styles", {}, {{"line", "Line", {}, {}}, {"solid", "Solid", {}, {}}}, true},
                  {"themes", "Themes", {}, {{"web", "Web", {}, {}}}}});
   tree.Select("solid");
 
-  auto& drop = Children().Add<cwDropDown>("ddDemo");
+  auto& drop = side.Children().Add<cwDropDown>("ddDemo");
   drop.Caption = "cwDropDown";
-  drop.Move(380, 140, 190, 24);
+  drop.setBoxHint(24, 0);
   auto& folders = static_cast<cwDirList&>(drop.setContent(CreateWidget("cwDirList")));
   folders.Change = [&drop, &folders] {
     drop.Caption = folders.Path();
     drop.Refresh();
   };
+  auto& typed = side.Children().Add<DemoTypedLine>("txtTyped");
+  typed.setBoxHint(24, 0);
 
   auto& ask = Children().Add<cwButton>("btnAsk");
   ask.Caption = "Ask…";
   ask.Move(230, 166, 110, 26);
   ask.Click = [this] { Ask(); };
-  auto& typed = Children().Add<DemoTypedLine>("txtTyped");
-  typed.Move(380, 174, 190, 24);
-
-  status_ = &Children().Add<cwStatusBar>("sbStatus");
-  status_->Caption = "Clicks: 0";
-  W_Resize();
 
   ok.Click = [this] {
     ++Clicks;
@@ -193,11 +202,6 @@ void DemoWidgetsForm::Ask() {
   if (PlatformRoot* root = PlatformRoot::Current()) root->RunModal(dialog);
   status_->Caption = "Answer: " + dialog.Answered;
   status_->Refresh();
-}
-
-void DemoWidgetsForm::W_Resize() {
-  // The status bar keeps to the bottom edge, as wide as the window.
-  if (status_) status_->Move(0, Height() - 24, Width(), 24);
 }
 
 }  // namespace qds

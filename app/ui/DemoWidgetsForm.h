@@ -11,7 +11,6 @@ class DemoWidgetsForm : public cfForm {
  public:
   DemoWidgetsForm();
   int Clicks = 0;
-  void W_Resize() override;
   // Asks "Keep the changes?" in a modal dialog; the answer shows in the
   // status bar.
   void Ask();

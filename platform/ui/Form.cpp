@@ -203,7 +203,14 @@ cfForm::DeviceRect cfForm::LastPainted() const {
   return {x0, y0, x1 - x0, y1 - y0};
 }
 
+void cfForm::LayoutIfWanted() {
+  if (!layoutWanted_) return;
+  layoutWanted_ = false;
+  LayoutNow();
+}
+
 const SurfacePtr& cfForm::Surface() {
+  LayoutIfWanted();
   const int w = std::max(1, static_cast<int>(std::lround(Width() * zoom_)));
   const int h = std::max(1, static_cast<int>(std::lround(Height() * zoom_)));
   if (!surface_ || surface_->Width() != w || surface_->Height() != h) {
@@ -215,6 +222,7 @@ const SurfacePtr& cfForm::Surface() {
 }
 
 void cfForm::Paint() {
+  LayoutIfWanted();
   if (!surface_) {
     Surface();
     return;
@@ -243,6 +251,7 @@ void cfForm::Paint() {
 }
 
 Widget& cfForm::HitTest(double x, double y) {
+  LayoutIfWanted();
   return *Deepest(*this, x / zoom_, y / zoom_);
 }
 

@@ -68,6 +68,9 @@ class cfForm : public Widget {
   // `flipRight`; then it is pushed inside.
   void PlacePopUp(double x, double y, double flipBottom, double flipRight);
 
+  // The layout pass, when a widget of the form asked for one since the last.
+  void LayoutIfWanted();
+
   // The picture of the form in device pixels, painted when dirty.
   const SurfacePtr& Surface();
   bool Dirty() const { return dirty_; }
@@ -144,6 +147,7 @@ class cfForm : public Widget {
   void HideToolTip();
 
   double zoom_ = 1;
+  bool layoutWanted_ = true;
   SurfacePtr surface_;
   bool dirty_ = true;
   struct DirtyRect {

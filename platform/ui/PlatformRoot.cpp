@@ -123,6 +123,8 @@ void PlatformRoot::Dispatch(const UiEvent& e) {
   ++eventNumber_;
   cfForm* f = e.form;
   if (!f || std::find(forms_.begin(), forms_.end(), f) == forms_.end()) return;  // a form that has gone
+  // Input meets the widgets where the user sees them.
+  for (cfForm* form : forms_) form->LayoutIfWanted();
   if (e.type == UiEvent::Type::KeyDown || e.type == UiEvent::Type::KeyUp ||
       e.type == UiEvent::Type::KeyPress) {
     // An open pop-up has the keyboard, though the window system gives it to
@@ -234,6 +236,7 @@ void PlatformRoot::ReleaseRemovedWidgets() {
 
 void PlatformRoot::PaintAll() {
   for (cfForm* f : std::vector<cfForm*>(forms_)) {
+    f->LayoutIfWanted();
     if (!f->Dirty()) continue;
     f->Surface();
     backend_->Present(*f);
@@ -248,7 +251,8 @@ double PlatformRoot::NextTimerIn() {
 
 bool PlatformRoot::Busy() const {
   return !deferred_.empty() || !posted_.empty() ||
-         std::any_of(forms_.begin(), forms_.end(), [](const cfForm* f) { return f->Dirty(); });
+         std::any_of(forms_.begin(), forms_.end(),
+                     [](const cfForm* f) { return f->Dirty() || f->layoutWanted_; });
 }
 
 bool PlatformRoot::ProcessOnce(double waitMs) {

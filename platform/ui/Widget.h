@@ -52,6 +52,19 @@ struct WidgetState {
   std::optional<std::vector<Item>> items;
 };
 
+// How a parent places a child whenever the parent's size changes.
+// Docked: along an edge of the room the earlier docked children left, at
+// its own width (Left, Right) or height (Top, Bottom); Fill takes what
+// remains.
+enum class Dock { None, Left, Top, Right, Bottom, Fill };
+// Anchored: keeps its distances to the parent's edges named; anchored to
+// both edges of a pair it stretches with the parent.
+namespace Anchor {
+constexpr int Left = 1, Top = 2, Right = 4, Bottom = 8;
+}
+// A box places the children that are not docked one after another.
+enum class BoxDirection { None, Row, Column };
+
 // A point a script can aim at inside a part of a widget (a row, an item),
 // in logical units of `widget`, which may be a pop-up the widget opened.
 struct WidgetPoint {
@@ -115,9 +128,29 @@ class Widget {
   double Top() const { return top_; }
   double Width() const { return width_; }
   double Height() const { return height_; }
+  // Also the place its anchors keep from now on. A new size is told to
+  // the widget (W_Resize) by the next layout pass, never from inside Move,
+  // so a constructor may move its widget before its members exist.
   void Move(double left, double top, double width, double height);
   // The widget's top-left corner in logical units of its form.
   void FormPosition(double& x, double& y) const;
+
+  // Layout. Each setter lets the parent place its children again.
+  Dock Docked() const { return dock_; }
+  void setDock(Dock dock);
+  // Distances are measured against the parent's size now; Move measures again.
+  int Anchors() const { return anchors_; }
+  void setAnchors(int edges);
+  // The children not docked go in a row or column inside `padding`, with
+  // `spacing` between them.
+  void setBoxLayout(BoxDirection direction, double padding = 0, double spacing = 0);
+  // In a box: its size along the box (0: its present size) and its share of
+  // the room left over (0: none); across the box it takes the whole room.
+  void setBoxHint(double size, double stretch);
+  // Places the children and tells the widgets of this tree whose size
+  // changed. The loop runs it once per turn, before it hands on input and
+  // before it paints; code that must see the new places at once calls it.
+  void LayoutNow();
 
   bool Visible() const { return visible_; }
   void setVisible(bool v);
@@ -183,7 +216,8 @@ class Widget {
   virtual bool W_MouseWheel(int delta, int shift, double x, double y) { return Ignore(delta, shift, x, y); }
   // The left button went down and up on this widget.
   virtual void W_Click() {}
-  // The widget's size changed (by Move), so it may lay out its children.
+  // The widget's size changed, or it is new: the layout pass has placed
+  // the children that have rules, and it may place the others.
   virtual void W_Resize() {}
   virtual void W_MouseEnter() {}
   virtual void W_MouseLeave() {}
@@ -224,6 +258,15 @@ class Widget {
   friend class cfForm;
   static bool Ignore(int, int, double, double) { return false; }
   Widget* FindWidget(std::string_view path);
+  // The layout pass: rules of the children, then W_Resize, for each
+  // widget of the tree that asked. True when one ran.
+  bool LayoutTree();
+  void ArrangeChildren();
+  // Sets the rectangle as the layout does: the anchors keep their distances.
+  void Place(double left, double top, double width, double height);
+  void MeasureAnchors();
+  // This widget is to be laid out again in the next pass.
+  void NeedLayout();
 
   std::string typeName_;
   std::string key_;
@@ -233,6 +276,12 @@ class Widget {
   bool visible_ = true;
   bool enabled_ = true;
   bool refreshLocked_ = false;
+  bool layoutDue_ = true;  // a new widget hears its size once
+  Dock dock_ = Dock::None;
+  int anchors_ = Anchor::Left | Anchor::Top;
+  double anchorRight_ = 0, anchorBottom_ = 0;
+  BoxDirection box_ = BoxDirection::None;
+  double boxPadding_ = 0, boxSpacing_ = 0, boxSize_ = 0, boxStretch_ = 0;
 };
 
 }  // namespace qds

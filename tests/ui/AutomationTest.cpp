@@ -106,11 +106,11 @@ dump moved.json
   // Typed text, Backspace taking a character, a letter key typing, a
   // shifted one typing a capital and a control key typing nothing.
   const Json typed = Load(dir, "typed.json");
-  EXPECT_EQ(WidgetOf(typed, "DemoWidgetsForm", "txtTyped")["text"], "héllo #aB");
-  EXPECT_EQ(WidgetOf(typed, "DemoWidgetsForm", "txtTyped")["focused"], true);
+  EXPECT_EQ(WidgetOf(typed, "DemoWidgetsForm", "pnlSide/txtTyped")["text"], "héllo #aB");
+  EXPECT_EQ(WidgetOf(typed, "DemoWidgetsForm", "pnlSide/txtTyped")["focused"], true);
 
   const Json moved = Load(dir, "moved.json");
-  const Json tree = WidgetOf(moved, "DemoWidgetsForm", "treDemo");
+  const Json tree = WidgetOf(moved, "DemoWidgetsForm", "pnlSide/treDemo");
   EXPECT_EQ(tree["listIndex"], 2);
   EXPECT_EQ(tree["selected"], Json::array({2}));
   EXPECT_EQ(tree["text"], "Solid");

@@ -647,6 +647,7 @@ TEST(StockWidgets, ListsShowAScrollBarOnlyWhenTheirRowsDoNotFitAndFollowIt) {
   EXPECT_EQ(bar.Value(), 7);
   // A taller list has room for all, and the bar goes.
   tree.Move(0, 0, 200, 300);
+  ui.Root().DoEvents();
   EXPECT_FALSE(bar.Visible());
   EXPECT_EQ(tree.TopIndex(), 0);
 }

@@ -465,3 +465,89 @@ TEST_F(Ui, DragsDropOnTheWidgetUnderTheMouseAndPopUpsCloseOutside) {
   EXPECT_FALSE(PlatformRoot::ShellOpen("/tmp"));  // nothing to open it with: said, not started
   ::setenv("PATH", saved.c_str(), 1);
 }
+
+namespace {
+
+// Moves itself in its constructor, before its own members are set, and
+// writes down each size it hears of.
+struct SelfSizing : Widget {
+  std::vector<std::string>* heard;
+  bool built = false;
+  explicit SelfSizing(std::vector<std::string>* log) : Widget("SelfSizing"), heard(log) {
+    Move(0, 0, 30, 20);
+    built = true;
+  }
+  void W_Resize() override {
+    heard->push_back((built ? "" : "unbuilt ") + std::to_string(int(Width())) + "x" +
+                     std::to_string(int(Height())));
+  }
+};
+
+std::string Rect(const Widget& w) {
+  return std::to_string(int(w.Left())) + "," + std::to_string(int(w.Top())) + " " +
+         std::to_string(int(w.Width())) + "x" + std::to_string(int(w.Height()));
+}
+
+}  // namespace
+
+TEST_F(Ui, ChildrenFollowTheirDockAnchorsAndBoxOncePerTurnNeverInsideAConstructor) {
+  TestForm f;
+  f.Move(0, 0, 200, 100);
+  std::vector<std::string> heard;
+  auto& top = f.Children().Add<SelfSizing>("top", &heard);
+  top.setDock(Dock::Top);
+  auto& left = f.Children().Add<Widget>("left");
+  left.Move(0, 0, 40, 0);
+  left.setDock(Dock::Left);
+  auto& bottom = f.Children().Add<Widget>("bottom");
+  bottom.Move(0, 0, 0, 10);
+  bottom.setDock(Dock::Bottom);
+  auto& side = f.Children().Add<Widget>("side");
+  side.Move(0, 0, 20, 0);
+  side.setDock(Dock::Right);
+  auto& rest = f.Children().Add<Widget>("rest");
+  rest.setDock(Dock::Fill);
+  auto& corner = f.Children().Add<Widget>("corner");  // keeps to the bottom right
+  corner.Move(170, 70, 20, 20);
+  corner.setAnchors(Anchor::Right | Anchor::Bottom);
+  auto& wide = f.Children().Add<Widget>("wide");  // keeps both side margins
+  wide.Move(50, 30, 100, 10);
+  wide.setAnchors(Anchor::Left | Anchor::Right | Anchor::Top);
+  rest.setBoxLayout(BoxDirection::Column, 5, 4);
+  auto& fixed = rest.Children().Add<Widget>("fixed");
+  fixed.setBoxHint(12, 0);
+  auto& one = rest.Children().Add<Widget>("one");
+  one.setBoxHint(0, 1);
+  auto& three = rest.Children().Add<Widget>("three");
+  three.setBoxHint(10, 3);
+  // Nothing is heard before the loop's turn: the constructor's Move only
+  // asks for a layout.
+  EXPECT_TRUE(heard.empty());
+  f.Show();
+  root.DoEvents();
+  EXPECT_EQ(heard, (std::vector<std::string>{"200x20"}));
+  EXPECT_EQ(Rect(top), "0,0 200x20");
+  EXPECT_EQ(Rect(left), "0,20 40x80");
+  EXPECT_EQ(Rect(bottom), "40,90 160x10");
+  EXPECT_EQ(Rect(side), "180,20 20x70");
+  EXPECT_EQ(Rect(rest), "40,20 140x70");
+  // In the box: 70 - 2*5 padding - 2*4 spacing - 12 - 10 leaves 30, shared 1:3.
+  EXPECT_EQ(Rect(fixed), "5,5 130x12");
+  EXPECT_EQ(Rect(one), "5,21 130x7");
+  EXPECT_EQ(Rect(three), "5,32 130x32");
+
+  // The user makes the window larger: everything follows in one pass.
+  f.Move(0, 0, 300, 150);
+  f.Move(0, 0, 320, 160);
+  root.DoEvents();
+  EXPECT_EQ(heard, (std::vector<std::string>{"200x20", "320x20"}));
+  EXPECT_EQ(Rect(top), "0,0 320x20");
+  EXPECT_EQ(Rect(bottom), "40,150 280x10");
+  EXPECT_EQ(Rect(corner), "290,130 20x20");
+  EXPECT_EQ(Rect(wide), "50,30 220x10");
+  EXPECT_EQ(Rect(three), "5,47 250x77");  // 130 - 10 - 8 - 22 leaves 90: 22.5 and 67.5
+  // A docked widget that goes gives its room to the others.
+  left.setVisible(false);
+  root.DoEvents();
+  EXPECT_EQ(Rect(rest), "0,20 300x130");
+}

@@ -135,6 +135,18 @@ TEST(StockWidgets, TheDemonstrationFormWorksWithoutADisplay) {
   EXPECT_TRUE(MatchesGolden(ui.Screenshot(popup), "demo_menu"));
   ui.ClickAt(popup, 30, 2 * 24 + 12);
   EXPECT_EQ(status.Caption, "Chosen: Demo>Close");
+
+  // Made larger, the form keeps its column to the right edge, lets the tree
+  // and the scroll bar take the new height, and the status bar the bottom.
+  form.Move(0, 0, 800, 400);
+  ui.Root().DoEvents();
+  Widget& side = form.Children().Item("pnlSide");
+  EXPECT_EQ(side.Left(), 600);
+  EXPECT_EQ(status.Top(), 376);
+  EXPECT_EQ(status.Width(), 800);
+  EXPECT_EQ(side.Children().Item("treDemo").Height(), 138 + 150);
+  EXPECT_EQ(side.Children().Item("txtTyped").Top() + 24, 376 - 10);
+  EXPECT_EQ(form.Children().Item("vsbDemo").Height(), 200 + 150);
 }
 
 TEST(StockWidgets, ScrollBarsMoveByArrowTrackThumbAndWheelWithinTheirRange) {

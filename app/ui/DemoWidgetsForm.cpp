@@ -150,10 +150,7 @@ DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   more.Click = [&menu, &more] {
     menu.ShowPopup("Demo", more.Left(), more.Top() + more.Height(), more.Top());
   };
-  menu.Click = [this](const std::string& key) {
-    status_->Caption = "Chosen: " + key;
-    status_->Refresh();
-  };
+  menu.Click = [this](const std::string& key) { status_->Caption = "Chosen: " + key; };
 
   // Docked first, so it runs the whole width under the column.
   status_ = &Children().Add<cwStatusBar>("sbStatus");
@@ -177,10 +174,7 @@ DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   drop.Caption = "cwDropDown";
   drop.setBoxHint(24, 0);
   auto& folders = static_cast<cwDirList&>(drop.setContent(CreateWidget("cwDirList")));
-  folders.Change = [&drop, &folders] {
-    drop.Caption = folders.Path();
-    drop.Refresh();
-  };
+  folders.Change = [&drop, &folders] { drop.Caption = folders.Path(); };
   auto& typed = side.Children().Add<DemoTypedLine>("txtTyped");
   typed.setBoxHint(24, 0);
 
@@ -192,7 +186,6 @@ DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   ok.Click = [this] {
     ++Clicks;
     status_->Caption = "Clicks: " + std::to_string(Clicks);
-    status_->Refresh();
   };
 }
 
@@ -201,7 +194,6 @@ void DemoWidgetsForm::Ask() {
   dialog.setZoom(Zoom());
   if (PlatformRoot* root = PlatformRoot::Current()) root->RunModal(dialog);
   status_->Caption = "Answer: " + dialog.Answered;
-  status_->Refresh();
 }
 
 }  // namespace qds

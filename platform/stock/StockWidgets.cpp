@@ -70,7 +70,7 @@ void cwButton::W_Paint(DrawingContext& ctx, double w, double h) {
                             : StockColor(Palette::Face),
            HasFocus());
   double textLeft = 0;
-  if (!PictureKey.empty()) {
+  if (!PictureKey().empty()) {
     const double side = std::min(h - 6, 24.0);
     DrawPicture(ctx, PictureKey, 4, (h - side) / 2, side, side);
     textLeft = side + 6;
@@ -136,24 +136,24 @@ void cwLabel::W_Paint(DrawingContext& ctx, double w, double h) {
 }
 
 void cwFrame::W_Paint(DrawingContext& ctx, double w, double h) {
-  const double top = Caption.empty() ? 0.5 : 8.5;
+  const double top = Caption().empty() ? 0.5 : 8.5;
   ctx.SetLineWidth(1);
   ctx.SetSourceColor(StockColor(Palette::Border));
   ctx.RoundedRectangle(0.5, top, w - 1, h - top - 0.5, 4);
   ctx.Stroke();
-  if (Caption.empty()) return;
+  if (Caption().empty()) return;
   ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
-  const TextSize size = ctx.MeasureText(Caption);
+  const TextSize size = ctx.MeasureText(Caption());
   ctx.SetSourceColor(StockColor(Palette::Back));
   ctx.Rectangle(6, 0, size.width + 6, 16);
   ctx.Fill();
-  ctx.DrawText(9, 0, size.width + 2, 16, Caption, true, TextAlign::Left, TextAlign::Middle);
+  ctx.DrawText(9, 0, size.width + 2, 16, Caption(), true, TextAlign::Left, TextAlign::Middle);
 }
 
 void cwImage::W_Paint(DrawingContext& ctx, double w, double h) {
   PlatformRoot* root = PlatformRoot::Current();
-  if (PictureKey.empty() || !root || !root->Images()) return;
-  const SurfacePtr picture = root->Images()->Get(PictureKey);
+  if (PictureKey().empty() || !root || !root->Images()) return;
+  const SurfacePtr picture = root->Images()->Get(PictureKey());
   if (!picture) return;
   if (Stretch) {
     ctx.DrawSurface(picture, 0, 0, w, h, Filter::Good);

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/ui/Property.h"
 #include "platform/ui/Widget.h"
 
 namespace qds {
@@ -16,10 +17,10 @@ namespace qds {
 class cwButton : public Widget {
  public:
   cwButton() : Widget("cwButton") { CanFocus = true; }
-  std::string Caption;
-  std::string PictureKey;
+  Property<std::string> Caption{*this};
+  Property<std::string> PictureKey{*this};
   bool Checkable = false;
-  bool Checked = false;
+  Property<bool> Checked{*this, false};
   std::function<void()> Click;
 
   void W_Paint(DrawingContext& ctx, double w, double h) override;
@@ -39,9 +40,9 @@ class cwButton : public Widget {
 class cwLabel : public Widget {
  public:
   cwLabel() : Widget("cwLabel") {}
-  std::string Caption;
-  int Alignment = 0;  // 0 left, 1 right, 2 centre
-  bool WordWrap = false;
+  Property<std::string> Caption{*this};
+  Property<int> Alignment{*this, 0};  // 0 left, 1 right, 2 centre
+  Property<bool> WordWrap{*this, false};
   void W_Paint(DrawingContext& ctx, double w, double h) override;
   void W_ReportState(WidgetState& state) const override { state.caption = Caption; }
 };
@@ -50,7 +51,7 @@ class cwLabel : public Widget {
 class cwFrame : public Widget {
  public:
   cwFrame() : Widget("cwFrame") {}
-  std::string Caption;
+  Property<std::string> Caption{*this};
   void W_Paint(DrawingContext& ctx, double w, double h) override;
   void W_ReportState(WidgetState& state) const override { state.caption = Caption; }
 };
@@ -59,8 +60,8 @@ class cwFrame : public Widget {
 class cwImage : public Widget {
  public:
   cwImage() : Widget("cwImage") {}
-  std::string PictureKey;
-  bool Stretch = false;
+  Property<std::string> PictureKey{*this};
+  Property<bool> Stretch{*this, false};
   void W_Paint(DrawingContext& ctx, double w, double h) override;
 };
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/ui/Property.h"
 #include "platform/ui/Widget.h"
 
 namespace qds {
@@ -18,7 +19,7 @@ class cwDropDown : public Widget {
   cwDropDown();
   ~cwDropDown() override;
 
-  std::string Caption;
+  Property<std::string> Caption{*this};
   double DropHeight = 160;
   // The widget the pop-up shows, kept between openings.
   Widget& setContent(std::unique_ptr<Widget> content);

@@ -5,6 +5,7 @@
 
 #include <functional>
 
+#include "platform/ui/Property.h"
 #include "platform/ui/Widget.h"
 
 namespace qds {
@@ -56,7 +57,7 @@ class cwHScrollBar : public cwScrollBar {
 class cwStatusBar : public Widget {
  public:
   cwStatusBar() : Widget("cwStatusBar") {}
-  std::string Caption;
+  Property<std::string> Caption{*this};
   std::function<void(DrawingContext& ctx, double w, double h)> OwnerDraw;
   void W_Paint(DrawingContext& ctx, double w, double h) override;
   void W_ReportState(WidgetState& state) const override { state.caption = Caption; }

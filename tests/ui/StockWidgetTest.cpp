@@ -663,3 +663,32 @@ TEST(StockWidgets, ListsShowAScrollBarOnlyWhenTheirRowsDoNotFitAndFollowIt) {
   EXPECT_FALSE(bar.Visible());
   EXPECT_EQ(tree.TopIndex(), 0);
 }
+
+TEST(StockWidgets, SettingWhatAWidgetShowsRepaintsIt) {
+  UiDriver ui;
+  Host form;
+  form.Move(0, 0, 300, 100);
+  auto& label = form.Children().Add<cwLabel>("lbl");
+  label.Move(200, 60, 80, 20);
+  auto& button = form.Children().Add<cwButton>("btn");
+  button.Move(10, 10, 80, 26);
+  form.Show();
+  ui.Root().DoEvents();
+  ASSERT_FALSE(form.Dirty());
+  // A new caption is painted in the next turn, and only where the label is.
+  label.Caption = "Saved";
+  ASSERT_TRUE(form.Dirty());
+  ui.Root().DoEvents();
+  ASSERT_EQ(form.LastPaintedRects().size(), 1u);
+  const cfForm::DeviceRect r = form.LastPaintedRects()[0];
+  EXPECT_TRUE(r.x <= 200 && r.y <= 60 && r.x + r.w >= 280 && r.y + r.h >= 80);
+  EXPECT_LT(r.w, 90);
+  // The same value again costs nothing; each shown property repaints.
+  label.Caption = "Saved";
+  EXPECT_FALSE(form.Dirty());
+  button.Checked = true;
+  EXPECT_TRUE(form.Dirty());
+  ui.Root().DoEvents();
+  button.PictureKey = "Logo";
+  EXPECT_TRUE(form.Dirty());
+}

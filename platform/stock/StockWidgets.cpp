@@ -165,20 +165,9 @@ void cwImage::W_Paint(DrawingContext& ctx, double w, double h) {
   ctx.DrawSurface(picture, (w - pw) / 2, (h - ph) / 2, pw, ph, Filter::Good);
 }
 
-std::unique_ptr<Widget> CreateWidget(const std::string& className) {
-  if (className == "cwButton") return std::make_unique<cwButton>();
-  if (className == "cwLabel") return std::make_unique<cwLabel>();
-  if (className == "cwFrame") return std::make_unique<cwFrame>();
-  if (className == "cwImage") return std::make_unique<cwImage>();
-  if (className == "cwVScrollBar") return std::make_unique<cwVScrollBar>();
-  if (className == "cwHScrollBar") return std::make_unique<cwHScrollBar>();
-  if (className == "cwStatusBar") return std::make_unique<cwStatusBar>();
-  if (className == "cwMenu") return std::make_unique<cwMenu>();
-  if (className == "cwDropDown") return std::make_unique<cwDropDown>();
-  if (className == "cwTree") return std::make_unique<cwTree>();
-  if (className == "cwDirList") return std::make_unique<cwDirList>();
-  if (className == "cwFileList") return std::make_unique<cwFileList>();
-  return nullptr;
-}
+QDS_JOIN_WIDGET_REGISTRY(cwButton);
+QDS_JOIN_WIDGET_REGISTRY(cwLabel);
+QDS_JOIN_WIDGET_REGISTRY(cwFrame);
+QDS_JOIN_WIDGET_REGISTRY(cwImage);
 
 }  // namespace qds

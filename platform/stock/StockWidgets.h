@@ -9,6 +9,7 @@
 
 #include "platform/ui/Property.h"
 #include "platform/ui/Widget.h"
+#include "platform/ui/WidgetRegistry.h"
 
 namespace qds {
 
@@ -64,8 +65,5 @@ class cwImage : public Widget {
   Property<bool> Stretch{*this, false};
   void W_Paint(DrawingContext& ctx, double w, double h) override;
 };
-
-// A new stock widget by its class name; null for a name it does not know.
-std::unique_ptr<Widget> CreateWidget(const std::string& className);
 
 }  // namespace qds

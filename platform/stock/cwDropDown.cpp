@@ -4,6 +4,7 @@
 #include "platform/stock/StockDrawing.h"
 #include "platform/ui/Form.h"
 #include "platform/ui/PlatformRoot.h"
+#include "platform/ui/WidgetRegistry.h"
 
 namespace qds {
 
@@ -103,5 +104,7 @@ bool cwDropDown::W_KeyDown(int keyCode, int shift) {
   OpenDropDown();
   return true;
 }
+
+QDS_JOIN_WIDGET_REGISTRY(cwDropDown);
 
 }  // namespace qds

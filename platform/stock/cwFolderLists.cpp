@@ -4,6 +4,8 @@
 #include <cctype>
 #include <filesystem>
 
+#include "platform/ui/WidgetRegistry.h"
+
 namespace qds {
 
 namespace fs = std::filesystem;
@@ -136,5 +138,8 @@ void cwFileList::Rescan() {
 void cwFileList::Activated(int) {
   RaiseEvent(DblClick, "DblClick");
 }
+
+QDS_JOIN_WIDGET_REGISTRY(cwDirList);
+QDS_JOIN_WIDGET_REGISTRY(cwFileList);
 
 }  // namespace qds

@@ -6,6 +6,7 @@
 #include "platform/DrawingSurface.h"
 #include "platform/stock/StockDrawing.h"
 #include "platform/ui/Form.h"
+#include "platform/ui/WidgetRegistry.h"
 
 namespace qds {
 
@@ -247,5 +248,7 @@ void cwMenu::W_ReportState(WidgetState& state) const {
 WidgetPoint cwMenu::W_ItemPoint(const std::string& key) {
   return popup_ ? static_cast<MenuPopUp&>(*popup_).ItemPoint(key) : WidgetPoint{};
 }
+
+QDS_JOIN_WIDGET_REGISTRY(cwMenu);
 
 }  // namespace qds

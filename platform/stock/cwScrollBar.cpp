@@ -5,6 +5,7 @@
 
 #include "platform/DrawingContext.h"
 #include "platform/stock/StockDrawing.h"
+#include "platform/ui/WidgetRegistry.h"
 
 namespace qds {
 
@@ -120,5 +121,9 @@ void cwStatusBar::W_Paint(DrawingContext& ctx, double w, double h) {
   ctx.DrawText(6, 0, w - 12, h, Caption, true, TextAlign::Left, TextAlign::Middle);
   if (OwnerDraw) OwnerDraw(ctx, w, h);
 }
+
+QDS_JOIN_WIDGET_REGISTRY(cwVScrollBar);
+QDS_JOIN_WIDGET_REGISTRY(cwHScrollBar);
+QDS_JOIN_WIDGET_REGISTRY(cwStatusBar);
 
 }  // namespace qds

@@ -4,6 +4,7 @@
 
 #include "platform/DrawingContext.h"
 #include "platform/stock/StockDrawing.h"
+#include "platform/ui/WidgetRegistry.h"
 
 namespace qds {
 
@@ -169,5 +170,7 @@ void cwTree::Selected() {
   if (key.empty()) return;
   RaiseEvent(NodeClick, "NodeClick", key);
 }
+
+QDS_JOIN_WIDGET_REGISTRY(cwTree);
 
 }  // namespace qds

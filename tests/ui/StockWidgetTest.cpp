@@ -97,6 +97,17 @@ TEST(StockWidgets, LabelsFramesAndImagesDrawAndAreMadeByName) {
   label.Caption = "Quillaron";
   form.Children().Add(CreateWidget("cwFrame"), "frm").Move(60, 5, 55, 30);
   EXPECT_EQ(CreateWidget("cwNoSuchThing"), nullptr);
+  // Every stock class has joined the registry under its own name, and
+  // makes a widget of that class.
+  const std::vector<std::string> classes = RegisteredWidgetClasses();
+  for (const char* name : {"cwButton", "cwLabel", "cwFrame", "cwImage", "cwVScrollBar", "cwHScrollBar",
+                           "cwStatusBar", "cwMenu", "cwDropDown", "cwTree", "cwDirList", "cwFileList"})
+    EXPECT_NE(std::find(classes.begin(), classes.end(), name), classes.end()) << name;
+  for (const std::string& name : classes) {
+    const std::unique_ptr<Widget> w = CreateWidget(name);
+    ASSERT_TRUE(w) << name;
+    EXPECT_EQ(w->TypeName(), name);
+  }
   form.Show();
 
   const SurfacePtr shot = ui.Screenshot(form);

@@ -265,6 +265,15 @@ TEST_F(Scrolling, KeysWheelAndBarMoveThroughALongList) {
   ui.Press(form, Key::Down);
   EXPECT_EQ(list.ListIndex(), 4);
   EXPECT_EQ(list.TopIndex(), 4);
+  // So does choosing one in code, and a key that moves nowhere.
+  list.setListIndex(20);
+  EXPECT_EQ(list.ScrollY(), 21 * 20 - 100);
+  ui.Press(form, Key::Home);
+  ui.Wheel(form, -2, 10 + 50, 10 + 50);
+  EXPECT_EQ(list.TopIndex(), 6);
+  ui.Press(form, Key::Up);
+  EXPECT_EQ(list.ListIndex(), 0);
+  EXPECT_EQ(list.TopIndex(), 0);
 
   // The thumb drags by pixels, not by whole rows.
   list.ScrollTo(0, 0);

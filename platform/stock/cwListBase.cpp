@@ -4,7 +4,6 @@
 
 #include "platform/DrawingContext.h"
 #include "platform/stock/StockDrawing.h"
-#include "platform/stock/cwScrollBar.h"
 
 namespace qds {
 

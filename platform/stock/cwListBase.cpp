@@ -4,73 +4,63 @@
 
 #include "platform/DrawingContext.h"
 #include "platform/stock/StockDrawing.h"
-#include "platform/stock/cwScrollBar.h"
 
 namespace qds {
 
-constexpr double kBarWidth = 16;
-
-cwListBase::cwListBase(std::string typeName) : Widget(std::move(typeName)) {
+cwListBase::cwListBase(std::string typeName) : cwScrollable(std::move(typeName), "vsbRows", "hsbRows") {
   CanFocus = true;
-  bar_ = &Children().Add(std::make_unique<cwVScrollBar>(), "vsbRows");
-  bar_->setVisible(false);
-  bar_->Change = [this] {
-    if (top_ == bar_->Value()) return;
-    top_ = bar_->Value();
-    Refresh();
-  };
-}
-
-void cwListBase::Layout() {
-  const int hidden = ListCount() - RowsShown();
-  bar_->Max = std::max(0, hidden);
-  bar_->LargeChange = RowsShown();
-  bar_->Move(Width() - kBarWidth, 0, kBarWidth, Height());
-  bar_->setVisible(hidden > 0);
-  bar_->setValue(top_);
+  LineStepY = RowHeight;
 }
 
 void cwListBase::SetRows(std::vector<Row> rows, int selected) {
   rows_ = std::move(rows);
   index_ = selected < ListCount() ? selected : -1;
-  top_ = 0;
-  if (index_ >= 0) ScrollTo(index_);
-  Layout();
+  LineStepY = RowHeight;
+  // As wide as the view: the rows never scroll sideways.
+  setContentSize(0, ListCount() * RowHeight);
+  ScrollTo(0, 0);
+  if (index_ >= 0) ShowRow(index_);
   Refresh();
 }
 
 void cwListBase::setListIndex(int index) {
   if (index < -1 || index >= ListCount() || index == index_) return;
   index_ = index;
-  if (index >= 0) ScrollTo(index);
+  if (index >= 0) ShowRow(index);
   Refresh();
   Selected();
 }
 
+int cwListBase::TopIndex() const {
+  return RowHeight > 0 ? static_cast<int>(ScrollY() / RowHeight + 1e-9) : 0;
+}
+
 int cwListBase::RowsShown() const {
-  return std::max(1, static_cast<int>(Height() / RowHeight));
+  return std::max(1, static_cast<int>(ViewHeight() / RowHeight));
 }
 
-void cwListBase::ScrollTo(int index) {
-  if (index < top_) top_ = index;
-  if (index >= top_ + RowsShown()) top_ = index - RowsShown() + 1;
-  top_ = std::clamp(top_, 0, std::max(0, ListCount() - RowsShown()));
-  bar_->setValue(top_);
+void cwListBase::ShowRow(int index) {
+  EnsureVisible(0, index * RowHeight, 0, RowHeight);
 }
 
-void cwListBase::W_Paint(DrawingContext& ctx, double w, double h) {
+void cwListBase::PaintContent(DrawingContext& ctx, double x, double y, double w, double h) {
   ctx.SetSourceColor(StockColor(Palette::Face));
-  ctx.Paint();
-  if (bar_->Visible()) w -= kBarWidth;
-  for (int i = top_; i < ListCount() && (i - top_) * RowHeight < h; ++i) {
-    const double y = (i - top_) * RowHeight;
+  ctx.Rectangle(x, y, w, h);
+  ctx.Fill();
+  // Only the rows that meet the visible part.
+  const int first = std::max(0, static_cast<int>(y / RowHeight));
+  for (int i = first; i < ListCount() && i * RowHeight < y + h; ++i) {
+    const double top = i * RowHeight;
     if (i == index_) {
       ctx.SetSourceColor(StockColor(Palette::Accent));
-      ctx.Rectangle(0, y, w, RowHeight);
+      ctx.Rectangle(0, top, w, RowHeight);
       ctx.Fill();
     }
-    PaintRow(ctx, i, y, w, i == index_);
+    PaintRow(ctx, i, top, w, i == index_);
   }
+}
+
+void cwListBase::PaintView(DrawingContext& ctx, double w, double h) {
   ctx.SetSourceColor(HasFocus() ? StockColor(Palette::Accent) : StockColor(Palette::Border));
   ctx.SetLineWidth(1);
   ctx.Rectangle(0.5, 0.5, w - 1, h - 1);
@@ -85,27 +75,21 @@ void cwListBase::PaintRow(DrawingContext& ctx, int index, double y, double w, bo
 }
 
 int cwListBase::RowAtY(double y) const {
-  const int row = top_ + static_cast<int>(y / RowHeight);
-  return y >= 0 && row < ListCount() ? row : -1;
+  if (y < 0 || RowHeight <= 0) return -1;
+  const int row = static_cast<int>(y / RowHeight);
+  return row < ListCount() ? row : -1;
 }
 
-bool cwListBase::W_MouseDown(int button, int, double, double y) {
+bool cwListBase::ContentMouseDown(int button, int, double, double y) {
   if (button != Button::Left) return false;
   SetFocus();
   if (const int row = RowAtY(y); row >= 0) UserChose(row);
   return true;
 }
 
-bool cwListBase::W_DblClick(int button, int, double, double y) {
+bool cwListBase::ContentDblClick(int button, int, double, double y) {
   if (button != Button::Left) return false;
   if (const int row = RowAtY(y); row >= 0) Activated(row);
-  return true;
-}
-
-bool cwListBase::W_MouseWheel(int delta, int, double, double) {
-  top_ = std::clamp(top_ - delta * 3, 0, std::max(0, ListCount() - RowsShown()));
-  bar_->setValue(top_);
-  Refresh();
   return true;
 }
 
@@ -141,24 +125,29 @@ bool cwListBase::W_KeyDown(int keyCode, int) {
     default:
       return false;
   }
-  // A key that moves nowhere (Down on the last row) is still the list's.
+  // A key that moves nowhere (Down on the last row) is still the list's,
+  // and brings the row back into view.
   if (ListCount() > 0 && to != index_) UserChose(to);
+  if (to >= 0 && to < ListCount()) ShowRow(to);
   return true;
 }
 
 void cwListBase::W_ReportState(WidgetState& state) const {
+  cwScrollable::W_ReportState(state);
   state.listCount = ListCount();
   state.listIndex = index_;
-  state.scrollIndex = top_;
+  state.scrollIndex = TopIndex();
   state.selected = index_ >= 0 ? std::vector<int>{index_} : std::vector<int>{};
   if (index_ >= 0) state.text = rows_[index_].text;
 }
 
 WidgetPoint cwListBase::W_RowPoint(int row) {
-  // Only a row the user can see can be pointed at.
-  if (row < top_ || row >= ListCount() || row >= top_ + RowsShown()) return {};
-  const double w = bar_->Visible() ? Width() - kBarWidth : Width();
-  return {this, w / 2, (row - top_ + 0.5) * RowHeight};
+  // Only a row the user can see can be pointed at: the middle of what shows of it.
+  if (row < 0 || row >= ListCount()) return {};
+  const double top = std::max(row * RowHeight, ScrollY());
+  const double bottom = std::min((row + 1) * RowHeight, ScrollY() + ViewHeight());
+  if (bottom <= top) return {};
+  return {this, ViewWidth() / 2, (top + bottom) / 2 - ScrollY()};
 }
 
 }  // namespace qds

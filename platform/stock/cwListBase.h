@@ -1,36 +1,34 @@
 #pragma once
 // A scrolling list of text rows, one of them selected, moved through by
-// the mouse, the wheel and the keys.
+// the mouse, the wheel and the keys. The rows are the content of a
+// cwScrollable, ListCount * RowHeight high and as wide as the view; its
+// vertical bar is "vsbRows".
 
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "platform/ui/Widget.h"
+#include "platform/stock/cwScrollable.h"
 
 namespace qds {
 
-class cwScrollBar;
-
-class cwListBase : public Widget {
+class cwListBase : public cwScrollable {
  public:
   explicit cwListBase(std::string typeName);
-  void W_Resize() override { Layout(); }
   int ListCount() const { return static_cast<int>(rows_.size()); }
   const std::string& List(int index) const { return rows_.at(index).text; }
   int ListIndex() const { return index_; }
-  void setListIndex(int index);  // -1 for none
-  int TopIndex() const { return top_; }
+  void setListIndex(int index);  // -1 for none; scrolls to show it
+  // The first row shown, if only in part.
+  int TopIndex() const;
+  // Set before the rows: it is also the line the bar's arrows and the wheel move.
   double RowHeight = 20;
   // The user chose a row, by the mouse or by the keys; also bubbled as "Click".
   std::function<void()> Click;
 
-  void W_Paint(DrawingContext& ctx, double w, double h) override;
-  bool W_MouseDown(int button, int shift, double x, double y) override;
-  bool W_DblClick(int button, int shift, double x, double y) override;
-  bool W_MouseWheel(int delta, int shift, double x, double y) override;
   bool W_KeyDown(int keyCode, int shift) override;
   void W_ReportState(WidgetState& state) const override;
+  // The middle of the part of the row that shows, in the widget's units.
   WidgetPoint W_RowPoint(int row) override;
 
  protected:
@@ -40,25 +38,31 @@ class cwListBase : public Widget {
     bool folder = false;
   };
   const Row& RowAt(int index) const { return rows_.at(index); }
-  // Paints one row; the selected one is on the accent colour already.
+  // Paints one row at `y`, in content coordinates; the selected one is on
+  // the accent colour already.
   virtual void PaintRow(DrawingContext& ctx, int index, double y, double w, bool selected);
+  // New rows, shown from the top, scrolled so that `selected` shows.
   void SetRows(std::vector<Row> rows, int selected);
   // A double click or Return on a row.
   virtual void Activated(int index) { (void)index; }
   virtual void Selected() {}
+  // The row at a content point's height; -1 below the last.
   int RowAtY(double y) const;
   // The user chose `row`: it is selected, and the owner told.
   void UserChose(int row);
+  // Scrolls the least that shows the whole row.
+  void ShowRow(int index);
+
+  void PaintContent(DrawingContext& ctx, double x, double y, double w, double h) override;
+  void PaintView(DrawingContext& ctx, double w, double h) override;
+  bool ContentMouseDown(int button, int shift, double x, double y) override;
+  bool ContentDblClick(int button, int shift, double x, double y) override;
 
  private:
+  // Whole rows the view has room for, at least one.
   int RowsShown() const;
-  void ScrollTo(int index);
-  // Shows the scroll bar when the rows do not fit, and keeps it on top_.
-  void Layout();
   std::vector<Row> rows_;
   int index_ = -1;
-  int top_ = 0;
-  cwScrollBar* bar_;
 };
 
 }  // namespace qds

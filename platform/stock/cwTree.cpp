@@ -125,7 +125,7 @@ void cwTree::PaintRow(DrawingContext& ctx, int index, double y, double w, bool s
                TextAlign::Middle);
 }
 
-bool cwTree::W_MouseDown(int button, int shift, double x, double y) {
+bool cwTree::ContentMouseDown(int button, int shift, double x, double y) {
   const int row = RowAtY(y);
   if (button == Button::Left && row >= 0) {
     const double expanderLeft = 4 + RowAt(row).indent * kIndent;
@@ -135,7 +135,7 @@ bool cwTree::W_MouseDown(int button, int shift, double x, double y) {
       return true;
     }
   }
-  return cwListBase::W_MouseDown(button, shift, x, y);
+  return cwListBase::ContentMouseDown(button, shift, x, y);
 }
 
 bool cwTree::W_KeyDown(int keyCode, int shift) {

@@ -41,10 +41,10 @@ class cwTree : public cwListBase {
   std::function<void(const std::string& key)> NodeDblClick;
   std::function<void(const std::string& key, bool expanded)> NodeExpand;
 
-  bool W_MouseDown(int button, int shift, double x, double y) override;
   bool W_KeyDown(int keyCode, int shift) override;
 
  protected:
+  bool ContentMouseDown(int button, int shift, double x, double y) override;
   void PaintRow(DrawingContext& ctx, int index, double y, double w, bool selected) override;
   void Activated(int index) override;
   void Selected() override;

@@ -659,7 +659,7 @@ TEST(StockWidgets, ListsShowAScrollBarOnlyWhenTheirRowsDoNotFitAndFollowIt) {
     nodes.push_back({"n" + std::to_string(i), "Node " + std::to_string(i), {}, {}});
   tree.setNodes(nodes);
   ASSERT_TRUE(bar.Visible());
-  EXPECT_EQ(bar.Max, 12 - 5);
+  EXPECT_EQ(bar.Max, (12 - 5) * 20);  // the bar counts pixels
   EXPECT_EQ(bar.Left(), 200 - 16);
   // The bar's down arrow scrolls the rows; the keys scroll the bar.
   ui.ClickAt(form, 192, 95);
@@ -667,7 +667,7 @@ TEST(StockWidgets, ListsShowAScrollBarOnlyWhenTheirRowsDoNotFitAndFollowIt) {
   tree.SetFocus();
   ui.Press(form, Key::End);
   EXPECT_EQ(tree.SelectedKey(), "n11");
-  EXPECT_EQ(bar.Value(), 7);
+  EXPECT_EQ(bar.Value(), 7 * 20);
   // A taller list has room for all, and the bar goes.
   tree.Move(0, 0, 200, 300);
   ui.Root().DoEvents();

@@ -105,6 +105,14 @@ bool cwDropDown::W_KeyDown(int keyCode, int shift) {
   return true;
 }
 
+WidgetPoint cwDropDown::W_RowPoint(int row) {
+  return IsOpen() && content_ ? content_->W_RowPoint(row) : WidgetPoint{};
+}
+
+WidgetPoint cwDropDown::W_ItemPoint(const std::string& key) {
+  return IsOpen() && content_ ? content_->W_ItemPoint(key) : WidgetPoint{};
+}
+
 QDS_JOIN_WIDGET_REGISTRY(cwDropDown);
 
 }  // namespace qds

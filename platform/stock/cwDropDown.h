@@ -38,6 +38,9 @@ class cwDropDown : public Widget {
   bool W_MouseDown(int button, int shift, double x, double y) override;
   bool W_KeyDown(int keyCode, int shift) override;
   void W_ReportState(WidgetState& state) const override { state.caption = Caption; }
+  // Rows and items of the content, while it shows.
+  WidgetPoint W_RowPoint(int row) override;
+  WidgetPoint W_ItemPoint(const std::string& key) override;
 
  private:
   friend class DropDownPopUp;

@@ -150,4 +150,11 @@ WidgetPoint cwListBase::W_RowPoint(int row) {
   return {this, ViewWidth() / 2, (top + bottom) / 2 - ScrollY()};
 }
 
+WidgetPoint cwListBase::W_ItemPoint(const std::string& key) {
+  for (int i = 0; i < ListCount(); ++i) {
+    if (rows_[i].text == key) return W_RowPoint(i);
+  }
+  return {};
+}
+
 }  // namespace qds

@@ -30,6 +30,8 @@ class cwListBase : public cwScrollable {
   void W_ReportState(WidgetState& state) const override;
   // The middle of the part of the row that shows, in the widget's units.
   WidgetPoint W_RowPoint(int row) override;
+  // A row by its text, for scripts: the first that reads `key`.
+  WidgetPoint W_ItemPoint(const std::string& key) override;
 
  protected:
   struct Row {

@@ -171,6 +171,13 @@ void cwTree::Selected() {
   RaiseEvent(NodeClick, "NodeClick", key);
 }
 
+WidgetPoint cwTree::W_ItemPoint(const std::string& key) {
+  for (std::size_t i = 0; i < shown_.size(); ++i) {
+    if (shown_[i]->key == key) return W_RowPoint(static_cast<int>(i));
+  }
+  return {};
+}
+
 QDS_JOIN_WIDGET_REGISTRY(cwTree);
 
 }  // namespace qds

@@ -42,6 +42,8 @@ class cwTree : public cwListBase {
   std::function<void(const std::string& key, bool expanded)> NodeExpand;
 
   bool W_KeyDown(int keyCode, int shift) override;
+  // A node by its key, when it is shown.
+  WidgetPoint W_ItemPoint(const std::string& key) override;
 
  protected:
   bool ContentMouseDown(int button, int shift, double x, double y) override;

@@ -182,6 +182,14 @@ TEST(Automation, AFailingLineIsNamedAndNothingAfterItRuns) {
 
   r = RunScript(dir, "click treDemo row 40\n");
   EXPECT_EQ(r.err, "line 1: click treDemo row 40: 'treDemo' shows no row 40\n");
+  // Items by key: a node of the tree, a row of the list a drop-down shows;
+  // a folded node and a closed drop-down show none.
+  r = RunScript(dir,
+                "click treDemo item line\nexpect treDemo listIndex 1\nclick ddDemo\ndblclick ddDemo item /\n"
+                "expect ddDemo caption /\nclick treDemo item web\n");
+  EXPECT_EQ(r.err, "line 6: click treDemo item web: 'treDemo' shows no item 'web'\n");
+  r = RunScript(dir, "click ddDemo item /\n");
+  EXPECT_EQ(r.err, "line 1: click ddDemo item /: 'ddDemo' shows no item '/'\n");
 
   // The tree's own bar, and that of the list in the open drop-down.
   r = RunScript(dir, "click ddDemo\nclick vsbRows\n");

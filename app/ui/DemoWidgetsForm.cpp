@@ -62,7 +62,7 @@ class DemoAskForm : public cfForm {
  public:
   DemoAskForm() : cfForm("DemoAskForm") {
     Caption = "Question";
-    Move(0, 0, 240, 100);
+    Resize(240, 100);
     BackColor = StockColor(Palette::Back);
     auto& question = Children().Add<cwLabel>("lblQuestion");
     question.Caption = "Keep the changes?";
@@ -94,7 +94,7 @@ class DemoAskForm : public cfForm {
 
 DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   Caption = "Quillaron Design Studio: widgets";
-  Move(0, 0, 580, 250);
+  Resize(580, 250);
   Sizable = true;
   MinWidth = 580, MinHeight = 250;
   BackColor = StockColor(Palette::Back);
@@ -192,7 +192,7 @@ DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
 void DemoWidgetsForm::Ask() {
   DemoAskForm dialog;
   dialog.setZoom(Zoom());
-  if (PlatformRoot* root = PlatformRoot::Current()) root->RunModal(dialog);
+  if (PlatformRoot* root = PlatformRoot::Current()) root->RunModal(dialog, this);
   status_->Caption = "Answer: " + dialog.Answered;
 }
 

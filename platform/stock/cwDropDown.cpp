@@ -48,14 +48,14 @@ void cwDropDown::OpenDropDown() {
   double x = 0, y = 0, screenX = 0, screenY = 0;
   FormPosition(x, y);
   if (const cfForm* owner = Form()) {
-    screenX = owner->Left();
-    screenY = owner->Top();
+    screenX = owner->ScreenX();
+    screenY = owner->ScreenY();
     popup_->setZoom(owner->Zoom());
   }
   // A form's place is in screen pixels; the box's in the owner's units.
   // Under the box, or over it where the screen ends.
   const double zoom = popup_->Zoom();
-  popup_->Move(0, 0, Width(), DropHeight);
+  popup_->Resize(Width(), DropHeight);
   popup_->PlacePopUp(screenX + x * zoom, screenY + (y + Height()) * zoom, screenY + y * zoom,
                      screenX + (x + Width()) * zoom);
   if (content_) content_->Move(0, 0, Width(), DropHeight);

@@ -32,7 +32,7 @@ class MenuPopUp : public cfForm {
       width = std::max(width, MeasureUiText(ShownCaption(row.caption)).width + kPictureSide + 40);
     auto popup = std::make_shared<MenuPopUp>(menu, parent, std::move(rows));
     popup->setZoom(zoom);
-    popup->Move(x, y, width, static_cast<double>(popup->rows_.size()) * kRowHeight);
+    popup->Resize(width, static_cast<double>(popup->rows_.size()) * kRowHeight);
     popup->PlacePopUp(x, y, flipBottom, flipRight);
     popup->Show();
     return popup;
@@ -164,8 +164,8 @@ class MenuPopUp : public cfForm {
     CloseChild();
     if (!menu_) return;
     // Beside the row; at the screen's edges, left of this menu or up from the row's foot.
-    const double rowTop = Top() + static_cast<double>(row) * kRowHeight * Zoom();
-    child_ = Open(*menu_, rows_[row].key, this, Left() + Width() * Zoom() - 4, rowTop, Left() + 4,
+    const double rowTop = ScreenY() + static_cast<double>(row) * kRowHeight * Zoom();
+    child_ = Open(*menu_, rows_[row].key, this, ScreenX() + ScreenWidth() - 4, rowTop, ScreenX() + 4,
                   rowTop + kRowHeight * Zoom(), Zoom());
     childRow_ = row;
   }
@@ -217,8 +217,9 @@ void cwMenu::ShowPopup(const std::string& root, double x, double y, std::optiona
   const cfForm* owner = Form();
   const double zoom = owner ? owner->Zoom() : 1;
   // A form's place is in screen pixels; the point is in the owner's units.
-  const double sx = (owner ? owner->Left() : 0) + x * zoom, sy = (owner ? owner->Top() : 0) + y * zoom;
-  const double flipBottom = aboveY ? (owner ? owner->Top() : 0) + *aboveY * zoom : sy;
+  const double ox = owner ? owner->ScreenX() : 0, oy = owner ? owner->ScreenY() : 0;
+  const double sx = ox + x * zoom, sy = oy + y * zoom;
+  const double flipBottom = aboveY ? oy + *aboveY * zoom : sy;
   popup_ = MenuPopUp::Open(*this, root, nullptr, sx, sy, sx, flipBottom, zoom);
 }
 

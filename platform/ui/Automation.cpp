@@ -384,8 +384,8 @@ Json WidgetJson(const Widget& w) {
   j["class"] = w.TypeName();
   j["key"] = w.Key();
   // Screen pixels, as a user would measure them.
-  j["x"] = std::lround((form ? form->Left() : 0) + fx * zoom);
-  j["y"] = std::lround((form ? form->Top() : 0) + fy * zoom);
+  j["x"] = std::lround((form ? form->ScreenX() : 0) + fx * zoom);
+  j["y"] = std::lround((form ? form->ScreenY() : 0) + fy * zoom);
   j["width"] = std::lround(w.Width() * zoom);
   j["height"] = std::lround(w.Height() * zoom);
   j["visible"] = w.ShownInTree();
@@ -536,7 +536,7 @@ class Runner {
   // A point of one form in device pixels of another, through the screen.
   static Aim InForm(const Aim& at, cfForm* form) {
     if (!form || form == at.form || !form->Showing()) return at;
-    return {form, at.x + at.form->Left() - form->Left(), at.y + at.form->Top() - form->Top()};
+    return {form, at.x + at.form->ScreenX() - form->ScreenX(), at.y + at.form->ScreenY() - form->ScreenY()};
   }
 
   void Expect(const Command& c) {
@@ -569,10 +569,11 @@ std::string DumpForms(PlatformRoot& root) {
     Json form;
     form["name"] = f->TypeName();
     form["title"] = f->Caption;
-    form["x"] = std::lround(f->Left());
-    form["y"] = std::lround(f->Top());
-    form["width"] = std::lround(f->Width() * f->Zoom());
-    form["height"] = std::lround(f->Height() * f->Zoom());
+    // Screen pixels: the window's place and its size at its zoom.
+    form["x"] = std::lround(f->ScreenX());
+    form["y"] = std::lround(f->ScreenY());
+    form["width"] = std::lround(f->ScreenWidth());
+    form["height"] = std::lround(f->ScreenHeight());
     form["modal"] = f->Modal();
     form["active"] = f == active;
     Json widgets = Json::array();

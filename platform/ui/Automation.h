@@ -18,6 +18,7 @@ int RunAutomation(PlatformRoot& root, const std::string& script, std::ostream& e
 
 // Every open form and its widget tree as JSON:
 // {"forms":[{"name","title","x","y","width","height","modal","active","widgets":[...]}]}.
+// Places and sizes, of forms and widgets alike, are in screen pixels.
 std::string DumpForms(PlatformRoot& root);
 
 }  // namespace qds

@@ -98,7 +98,49 @@ void cfForm::Show() {
   if (showing_) return;
   showing_ = true;
   Invalidate();
-  if (PlatformRoot* root = PlatformRoot::Current()) root->FormShown(*this);
+  PlatformRoot* root = PlatformRoot::Current();
+  if (!root) return;
+  try {
+    root->FormShown(*this);
+  } catch (...) {
+    // No window could be made: the form is not shown, nor counted as open.
+    showing_ = false;
+    root->FormClosed(*this);
+    throw;
+  }
+}
+
+void cfForm::MoveOnScreen(double x, double y) {
+  screenX_ = x, screenY_ = y;
+  placed_ = true;
+  if (PlatformRoot* root = PlatformRoot::Current(); root && showing_) root->Backend().FormMoved(*this);
+}
+
+void cfForm::SetScreenRect(double x, double y, double w, double h) {
+  Widget::Move(0, 0, w / zoom_, h / zoom_);
+  MoveOnScreen(x, y);
+}
+
+void cfForm::Resize(double width, double height) {
+  Widget::Move(0, 0, width, height);
+}
+
+void cfForm::NoteScreenPosition(double x, double y) {
+  screenX_ = x, screenY_ = y;
+  placed_ = true;
+}
+
+void cfForm::CentreOver(const cfForm& owner) {
+  double ax = 0, ay = 0, aw = 0, ah = 0;
+  if (PlatformRoot* root = PlatformRoot::Current()) root->Backend().WorkArea(ax, ay, aw, ah);
+  const double w = ScreenWidth(), h = ScreenHeight();
+  double x = std::round(owner.ScreenX() + (owner.ScreenWidth() - w) / 2);
+  double y = std::round(owner.ScreenY() + (owner.ScreenHeight() - h) / 2);
+  if (aw > 0 && ah > 0) {
+    x = std::clamp(x, ax, std::max(ax, ax + aw - w));
+    y = std::clamp(y, ay, std::max(ay, ay + ah - h));
+  }
+  MoveOnScreen(x, y);
 }
 
 void cfForm::setIconKey(const std::string& key) {
@@ -109,16 +151,17 @@ void cfForm::setIconKey(const std::string& key) {
 void cfForm::setState(WindowState state) {
   if (state == state_) return;
   if (state == WindowState::Maximized) {
-    restore_[0] = Left(), restore_[1] = Top(), restore_[2] = Width(), restore_[3] = Height();
+    restoreX_ = screenX_, restoreY_ = screenY_, restoreWidth_ = Width(), restoreHeight_ = Height();
     double x = 0, y = 0, w = 0, h = 0;
     if (PlatformRoot* root = PlatformRoot::Current()) root->Backend().WorkArea(x, y, w, h);
-    Move(x, y, w / zoom_, h / zoom_);
+    state_ = state;
+    SetScreenRect(x, y, w, h);
   } else {
-    Move(restore_[0], restore_[1], restore_[2], restore_[3]);
+    state_ = state;
+    Resize(restoreWidth_, restoreHeight_);
+    MoveOnScreen(restoreX_, restoreY_);
   }
-  state_ = state;
   Invalidate();
-  if (PlatformRoot* root = PlatformRoot::Current(); root && showing_) root->Backend().FormMoved(*this);
 }
 
 void cfForm::PlacePopUp(double x, double y, double flipBottom, double flipRight) {
@@ -129,8 +172,7 @@ void cfForm::PlacePopUp(double x, double y, double flipBottom, double flipRight)
   if (x + w > ax + aw) x = flipRight - w;
   x = std::clamp(x, ax, std::max(ax, ax + aw - w));
   y = std::clamp(y, ay, std::max(ay, ay + ah - h));
-  Move(x, y, Width(), Height());
-  if (PlatformRoot* root = PlatformRoot::Current(); root && showing_) root->Backend().FormMoved(*this);
+  MoveOnScreen(x, y);
 }
 
 bool cfForm::Close(int unloadMode) {
@@ -301,10 +343,10 @@ void cfForm::ShowToolTip() {
   const TextSize size = MeasureUiText(hover_->ToolTip);
   tip_ = std::make_shared<ToolTipForm>(hover_->ToolTip);
   tip_->setZoom(zoom_);
-  tip_->Move(0, 0, size.width + 12, size.height + 8);
+  tip_->Resize(size.width + 12, size.height + 8);
   // Under the mouse, or above it at the bottom of the screen.
-  tip_->PlacePopUp(Left() + mouseX_, Top() + mouseY_ + 20 * zoom_, Top() + mouseY_ - 4 * zoom_,
-                   Left() + mouseX_);
+  tip_->PlacePopUp(screenX_ + mouseX_, screenY_ + mouseY_ + 20 * zoom_, screenY_ + mouseY_ - 4 * zoom_,
+                   screenX_ + mouseX_);
   tip_->Show();
 }
 
@@ -363,8 +405,7 @@ void cfForm::ResizeTo(double screenX, double screenY) {
     h = std::max(minH, h - dy);
     top = bottom - h;
   }
-  Move(left, top, w / zoom_, h / zoom_);
-  if (PlatformRoot* root = PlatformRoot::Current()) root->Backend().FormMoved(*this);
+  SetScreenRect(left, top, w, h);
 }
 
 void cfForm::MouseDown(int button, int shift, double x, double y) {
@@ -374,9 +415,9 @@ void cfForm::MouseDown(int button, int shift, double x, double y) {
   // The borders of a frameless window size it, before any widget hears of the press.
   if (const int edges = button == Button::Left ? ResizeEdgeAt(x, y) : 0) {
     resizing_ = edges;
-    grabX_ = Left() + x, grabY_ = Top() + y;
-    grabRect_[0] = Left(), grabRect_[1] = Top(), grabRect_[2] = Width() * zoom_,
-    grabRect_[3] = Height() * zoom_;
+    grabX_ = screenX_ + x, grabY_ = screenY_ + y;
+    grabRect_[0] = screenX_, grabRect_[1] = screenY_, grabRect_[2] = ScreenWidth(),
+    grabRect_[3] = ScreenHeight();
     return;
   }
   Widget* target = capture_ ? capture_ : &HitTest(x, y);
@@ -404,12 +445,11 @@ void cfForm::MouseMove(int button, int shift, double x, double y) {
   mouseX_ = x, mouseY_ = y;
   if (movingWindow_) {
     // The window follows so that the grabbed point stays under the mouse.
-    Move(Left() + x - grabX_, Top() + y - grabY_, Width(), Height());
-    if (PlatformRoot* root = PlatformRoot::Current()) root->Backend().FormMoved(*this);
+    MoveOnScreen(screenX_ + x - grabX_, screenY_ + y - grabY_);
     return;
   }
   if (resizing_) {
-    ResizeTo(Left() + x, Top() + y);
+    ResizeTo(screenX_ + x, screenY_ + y);
     return;
   }
   Widget* under = &HitTest(x, y);

@@ -26,6 +26,34 @@ class cfForm : public Widget {
   // Device pixels per logical unit (the interface zoom).
   double Zoom() const { return zoom_; }
   void setZoom(double zoom);
+
+  // Where the window is: its top-left corner on the screen, in device
+  // pixels, kept apart from the widget geometry. A form's Left and Top are
+  // always 0, so that positions summed up the widget tree never include the
+  // window's place; its Width and Height are logical units, which the zoom
+  // makes ScreenWidth and ScreenHeight.
+  double ScreenX() const { return screenX_; }
+  double ScreenY() const { return screenY_; }
+  double ScreenWidth() const { return Width() * zoom_; }
+  double ScreenHeight() const { return Height() * zoom_; }
+  // Whether the program, or the window system, has put the window
+  // somewhere. One never placed opens where the backend chooses: a modal
+  // dialog over its owner, another form in the middle of the screen.
+  bool HasScreenPosition() const { return placed_; }
+  // Moves the window on the screen (device pixels); the window follows.
+  void MoveOnScreen(double x, double y);
+  // Places and sizes the window in device pixels: its logical size becomes
+  // w / Zoom() by h / Zoom().
+  void SetScreenRect(double x, double y, double w, double h);
+  // The size in logical units; the window's place stays.
+  void Resize(double width, double height);
+  // A form is not moved as a widget is: Widget::Move takes a place in the
+  // parent and a size in one unit, while a form's place is in screen pixels
+  // and its size in logical units. Use Resize and MoveOnScreen.
+  void Move(double left, double top, double width, double height) = delete;
+  // The backend tells where the window system has put the window (it
+  // opened it there, or the user moved it); nothing is sent back.
+  void NoteScreenPosition(double x, double y);
   // The background colour (0xBBGGRR) painted under the widgets.
   std::int64_t BackColor = 0x323232;
 
@@ -47,7 +75,8 @@ class cfForm : public Widget {
 
   enum class WindowState { Normal, Maximized };
   WindowState State() const { return state_; }
-  // Maximised, the form covers the work area; restored, its old place.
+  // Maximised, the form covers the work area; restored, its old place on
+  // the screen and its old size in logical units.
   void setState(WindowState state);
 
   void Show();
@@ -62,6 +91,11 @@ class cfForm : public Widget {
   // While open, a pop-up takes the keys typed in any window; a tip does not.
   bool TakesKeyboard = true;
   bool Modal() const { return modal_; }
+  // While the form runs modal, the form it is modal for: the one that
+  // opened it (PlatformRoot::RunModal), none when no form was open.
+  cfForm* Owner() const { return owner_; }
+  // Puts the window in the middle of `owner`'s, kept on the work area.
+  void CentreOver(const cfForm& owner);
   // Puts a pop-up of the present size at (x, y), screen pixels, and keeps it
   // on the work area: where it would run off the bottom it ends at
   // `flipBottom` instead (above what opened it), off the right it ends at
@@ -148,6 +182,8 @@ class cfForm : public Widget {
 
   double zoom_ = 1;
   bool layoutWanted_ = true;
+  double screenX_ = 0, screenY_ = 0;  // device pixels
+  bool placed_ = false;
   SurfacePtr surface_;
   bool dirty_ = true;
   struct DirtyRect {
@@ -157,6 +193,7 @@ class cfForm : public Widget {
   std::vector<DeviceRect> lastPainted_;
   bool showing_ = false;
   bool modal_ = false;
+  cfForm* owner_ = nullptr;
   bool disabledByModal_ = false;
   Widget* focus_ = nullptr;
   Widget* capture_ = nullptr;
@@ -167,10 +204,11 @@ class cfForm : public Widget {
   bool movingWindow_ = false;
   double grabX_ = 0, grabY_ = 0;
   int resizing_ = 0;  // the Edge flags being dragged
-  double grabRect_[4] = {0, 0, 0, 0};
+  double grabRect_[4] = {0, 0, 0, 0};  // screen x, y, width, height in device pixels
   std::string iconKey_;
   WindowState state_ = WindowState::Normal;
-  double restore_[4] = {0, 0, 0, 0};
+  double restoreX_ = 0, restoreY_ = 0;           // device pixels
+  double restoreWidth_ = 0, restoreHeight_ = 0;  // logical units
   int tipTimer_ = 0;
   std::shared_ptr<cfForm> tip_;
 };

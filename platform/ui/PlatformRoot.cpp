@@ -66,6 +66,13 @@ void PlatformRoot::FormShown(cfForm& form) {
 
 void PlatformRoot::FormClosed(cfForm& form) {
   forms_.erase(std::remove(forms_.begin(), forms_.end(), &form), forms_.end());
+  // Nothing keeps pointing at a form that has gone; shown again, it is as
+  // new, under no dialog.
+  form.disabledByModal_ = false;
+  if (inputForm_ == &form) inputForm_ = nullptr;
+  for (cfForm* f : forms_) {
+    if (f->owner_ == &form) f->owner_ = nullptr;
+  }
   backend_->FormClosed(form);
 }
 
@@ -137,13 +144,29 @@ void PlatformRoot::Dispatch(const UiEvent& e) {
     }
   }
   if (e.type == UiEvent::Type::MouseDown && f->disabledByModal_) {
-    // A click on a window under a modal dialog shows the user the dialog.
-    for (auto it = forms_.rbegin(); it != forms_.rend(); ++it) {
-      if ((*it)->Modal() && !(*it)->disabledByModal_) {
-        backend_->BringToFront(**it);
-        break;
+    // A click on a window under a modal dialog shows the user that window's
+    // own dialog: the newest one it owns, over that the newest one that
+    // dialog owns, and so on up the chain.
+    const auto newestOwnedBy = [this](const cfForm* owner) -> cfForm* {
+      for (auto it = forms_.rbegin(); it != forms_.rend(); ++it) {
+        if ((*it)->Modal() && (*it)->Showing() && (*it)->owner_ == owner) return *it;
       }
+      return nullptr;
+    };
+    cfForm* front = nullptr;
+    std::size_t steps = 0;  // a chain is never longer than the forms open
+    for (cfForm* d = newestOwnedBy(f); d && steps++ < forms_.size(); d = newestOwnedBy(d)) front = d;
+    // A window that owns none (all are disabled under a dialog) shows the
+    // dialog that has the input.
+    for (auto it = forms_.rbegin(); !front && it != forms_.rend(); ++it) {
+      if ((*it)->Modal() && !(*it)->disabledByModal_) front = *it;
     }
+    if (front) backend_->BringToFront(*front);
+  }
+  if (!f->PopUp && !f->disabledByModal_ &&
+      (e.type == UiEvent::Type::MouseDown || e.type == UiEvent::Type::DblClick ||
+       e.type == UiEvent::Type::KeyDown)) {
+    inputForm_ = f;
   }
   if (e.type == UiEvent::Type::MouseDown) {
     // A press anywhere else closes the pop-ups that are open, but not those
@@ -299,22 +322,50 @@ void PlatformRoot::RunMessageLoop() {
   }
 }
 
-void PlatformRoot::RunModal(cfForm& dialog) {
-  std::vector<cfForm*> owners;
+cfForm* PlatformRoot::ActiveForm() const {
+  const auto takesInput = [](const cfForm* f) { return f->Showing() && !f->PopUp && !f->disabledByModal_; };
+  if (inputForm_ && takesInput(inputForm_)) return inputForm_;
+  for (auto it = forms_.rbegin(); it != forms_.rend(); ++it) {
+    if (takesInput(*it)) return *it;
+  }
+  return nullptr;
+}
+
+void PlatformRoot::RunModal(cfForm& dialog, cfForm* owner) {
+  const auto shown = [this](const cfForm* f) {
+    return f && f->Showing() && std::find(forms_.begin(), forms_.end(), f) != forms_.end();
+  };
+  if (!shown(owner) || owner == &dialog) owner = ActiveForm();
+  if (owner == &dialog) owner = nullptr;
+  // The forms disabled here are enabled again however the loop ends: by
+  // the dialog closing, by Quit, or by an error thrown through it.
+  // Those that closed meanwhile (a tip, a pop-up) may be gone.
+  struct Modality {
+    const std::vector<cfForm*>& open;
+    cfForm& dialog;
+    std::vector<cfForm*> disabled;
+    ~Modality() {
+      dialog.modal_ = false;
+      dialog.owner_ = nullptr;
+      for (cfForm* f : disabled) {
+        if (std::find(open.begin(), open.end(), f) != open.end()) f->disabledByModal_ = false;
+      }
+    }
+  } modality{forms_, dialog, {}};
   for (cfForm* f : forms_) {
     if (f != &dialog && !f->disabledByModal_) {
       f->disabledByModal_ = true;
-      owners.push_back(f);
+      modality.disabled.push_back(f);
     }
   }
   dialog.modal_ = true;
+  dialog.owner_ = owner;
+  if (owner && !dialog.Showing() && !dialog.HasScreenPosition()) dialog.CentreOver(*owner);
   dialog.Show();
   while (dialog.Showing() && !quitting_) {
     ProcessOnce(NextTimerIn());
     if (dialog.Showing()) Idle();
   }
-  dialog.modal_ = false;
-  for (cfForm* f : owners) f->disabledByModal_ = false;
 }
 
 void Timer::setEnabled(bool on) {

@@ -116,8 +116,17 @@ class PlatformRoot {
   void DoEvents();
   // Until the last form is gone, or Quit.
   void RunMessageLoop();
-  // Shows `dialog` over the others and returns when it is closed, or on Quit.
-  void RunModal(cfForm& dialog);
+  // Shows `dialog` over the others, modal for `owner`, and returns when it
+  // is closed, or on Quit. Without an owner (or with one not shown), the
+  // active form owns it. The owner is the dialog's Owner() while it runs; a
+  // dialog never placed opens in the middle of its owner. Every other form
+  // takes no input meanwhile; a press on one brings forward the innermost
+  // dialog of the chain that form owns.
+  void RunModal(cfForm& dialog, cfForm* owner = nullptr);
+  // The form the user's input goes to: the one last pressed or typed in,
+  // while it is shown and not under a modal dialog; else the newest such
+  // form. Never a pop-up; none when no form can take input.
+  cfForm* ActiveForm() const;
   // Ends every running loop, the nested ones of modal forms too.
   void Quit() { quitting_ = true; }
   bool Quitting() const { return quitting_; }
@@ -160,6 +169,7 @@ class PlatformRoot {
   bool idleActed_ = false;
   std::vector<std::shared_ptr<Widget>> graveyard_;
   std::vector<cfForm*> forms_;
+  cfForm* inputForm_ = nullptr;  // last pressed or typed in
   std::string dragKey_, dragPicture_;
   Widget* dragSource_ = nullptr;
   int nextTimer_ = 1;

@@ -115,9 +115,9 @@ int KeyCode(SDL_Keycode k) {
 
 // A copy of the picture as SDL wants it for icons and cursors: straight
 // alpha, where cairo keeps it premultiplied. Null when SDL refuses.
-SDL_Surface* StraightAlphaSurface(const SurfacePtr& picture) {
+SdlPtr<SDL_Surface> StraightAlphaSurface(const SurfacePtr& picture) {
   const int w = picture->Width(), h = picture->Height();
-  SDL_Surface* sdl = SDL_CreateRGBSurfaceWithFormat(0, w, h, 32, SDL_PIXELFORMAT_ARGB8888);
+  SdlPtr<SDL_Surface> sdl(SDL_CreateRGBSurfaceWithFormat(0, w, h, 32, SDL_PIXELFORMAT_ARGB8888));
   if (!sdl) return nullptr;
   const PixelView v = picture->Pixels();
   for (int y = 0; y < h; ++y) {
@@ -136,12 +136,49 @@ SDL_Surface* StraightAlphaSurface(const SurfacePtr& picture) {
 
 }  // namespace
 
-SdlBackend::SdlBackend() {
-  if (SDL_Init(SDL_INIT_VIDEO | SDL_INIT_TIMER) != 0) {
-    Raise(ErrNo::InvalidArgument, std::string("No display could be opened: ") + SDL_GetError(), "SdlBackend");
+void SdlDestroyer::operator()(SDL_Window* p) const {
+  SDL_DestroyWindow(p);
+}
+void SdlDestroyer::operator()(SDL_Renderer* p) const {
+  SDL_DestroyRenderer(p);
+}
+void SdlDestroyer::operator()(SDL_Texture* p) const {
+  SDL_DestroyTexture(p);
+}
+void SdlDestroyer::operator()(SDL_Cursor* p) const {
+  SDL_FreeCursor(p);
+}
+void SdlDestroyer::operator()(SDL_Surface* p) const {
+  SDL_FreeSurface(p);
+}
+
+namespace {
+// Backends alive at once (a test may make a second): SDL ends with the last.
+int sessions = 0;
+constexpr Uint32 kSubsystems = SDL_INIT_VIDEO | SDL_INIT_TIMER;
+}  // namespace
+
+SdlBackend::Session::Session() {
+  if (SDL_InitSubSystem(kSubsystems) != 0) {
+    const std::string why = SDL_GetError();
+    if (sessions == 0) SDL_Quit();  // what the failed start did get
+    Raise(ErrNo::InvalidArgument, "No display could be opened: " + why, "SdlBackend");
   }
+  ++sessions;
+}
+
+SdlBackend::Session::~Session() {
+  SDL_QuitSubSystem(kSubsystems);
+  if (--sessions == 0) SDL_Quit();
+}
+
+SdlBackend::SdlBackend() {
   SDL_StartTextInput();
 }
+
+// The windows, then the cursors, then SDL itself: its members, in the
+// reverse order of their declaration.
+SdlBackend::~SdlBackend() = default;
 
 void SdlBackend::SetCursor(int cursor) {
   UiBackend::SetCursor(cursor);
@@ -153,16 +190,15 @@ void SdlBackend::SetCursor(int cursor) {
       {Cursor::SizeNS, SDL_SYSTEM_CURSOR_SIZENS},     {Cursor::SizeAll, SDL_SYSTEM_CURSOR_SIZEALL}};
   const auto known = kSystem.find(cursor);
   const SDL_SystemCursor id = known == kSystem.end() ? SDL_SYSTEM_CURSOR_ARROW : known->second;
-  SDL_Cursor*& c = cursors_[id];
-  if (!c) c = SDL_CreateSystemCursor(id);
-  if (c) SDL_SetCursor(c);
+  SdlPtr<SDL_Cursor>& c = cursors_[id];
+  if (!c) c.reset(SDL_CreateSystemCursor(id));
+  if (c) SDL_SetCursor(c.get());
 }
 
 void SdlBackend::SetCursorPicture(const SurfacePtr& picture) {
   UiBackend::SetCursorPicture(picture);
-  if (dragCursor_) SDL_FreeCursor(dragCursor_);
-  dragCursor_ = nullptr;
   if (!picture) {
+    dragCursor_.reset();
     SetCursor(CurrentCursor());
     return;
   }
@@ -173,11 +209,13 @@ void SdlBackend::SetCursorPicture(const SurfacePtr& picture) {
     DrawingContext ctx(small);
     ctx.DrawSurface(picture, 0, 0, kSide, kSide, Filter::Good);
   }
-  SDL_Surface* sdl = StraightAlphaSurface(small);
+  const SdlPtr<SDL_Surface> sdl = StraightAlphaSurface(small);
   if (!sdl) return;
-  dragCursor_ = SDL_CreateColorCursor(sdl, kSide / 2, kSide / 2);
-  SDL_FreeSurface(sdl);
-  if (dragCursor_) SDL_SetCursor(dragCursor_);
+  // The new one is set before the old one goes, which SDL would otherwise
+  // replace with its default arrow for a moment.
+  SdlPtr<SDL_Cursor> cursor(SDL_CreateColorCursor(sdl.get(), kSide / 2, kSide / 2));
+  if (cursor) SDL_SetCursor(cursor.get());
+  dragCursor_ = std::move(cursor);
 }
 
 void SdlBackend::SetClipboardText(const std::string& text) {
@@ -196,68 +234,60 @@ double SdlBackend::ScreenDpi() {
   return SDL_GetDisplayDPI(0, nullptr, &dpi, nullptr) == 0 ? dpi : 96;
 }
 
-SdlBackend::~SdlBackend() {
-  for (auto& [id, c] : cursors_) SDL_FreeCursor(c);
-  if (dragCursor_) SDL_FreeCursor(dragCursor_);
-  for (auto& [form, w] : windows_) {
-    SDL_DestroyTexture(w.texture);
-    SDL_DestroyRenderer(w.renderer);
-    SDL_DestroyWindow(w.window);
-  }
-  SDL_Quit();
-}
-
 double SdlBackend::NowMs() {
   return static_cast<double>(SDL_GetTicks64());
 }
 
 cfForm* SdlBackend::FormOf(unsigned windowId) const {
   for (const auto& [form, w] : windows_) {
-    if (SDL_GetWindowID(w.window) == windowId) return form;
+    if (SDL_GetWindowID(w.window.get()) == windowId) return form;
   }
   return nullptr;
 }
 
 unsigned SdlBackend::WindowId(cfForm& form) const {
   const auto it = windows_.find(&form);
-  return it == windows_.end() ? 0 : SDL_GetWindowID(it->second.window);
+  return it == windows_.end() ? 0 : SDL_GetWindowID(it->second.window.get());
 }
 
 void SdlBackend::FormShown(cfForm& form) {
   if (windows_.count(&form)) return;
+  // Made aside and handed to the map once whole: a failure on the way
+  // destroys what was made so far.
   Window w;
-  w.w = std::max(1, static_cast<int>(std::lround(form.Width() * form.Zoom())));
-  w.h = std::max(1, static_cast<int>(std::lround(form.Height() * form.Zoom())));
-  // Pop-ups go exactly where their owner puts them, without a frame; the
-  // others open in the middle of the screen.
+  w.w = std::max(1, static_cast<int>(std::lround(form.ScreenWidth())));
+  w.h = std::max(1, static_cast<int>(std::lround(form.ScreenHeight())));
+  // A form goes where it was placed (pop-ups exactly where their owner
+  // puts them, without a frame, and a dialog over its owner); one never
+  // placed opens in the middle of the screen.
   const bool popUp = form.PopUp;
-  const int x = popUp ? static_cast<int>(std::lround(form.Left())) : SDL_WINDOWPOS_CENTERED;
-  const int y = popUp ? static_cast<int>(std::lround(form.Top())) : SDL_WINDOWPOS_CENTERED;
+  const bool placed = popUp || form.HasScreenPosition();
+  const int x = placed ? static_cast<int>(std::lround(form.ScreenX())) : SDL_WINDOWPOS_CENTERED;
+  const int y = placed ? static_cast<int>(std::lround(form.ScreenY())) : SDL_WINDOWPOS_CENTERED;
   // A frameless form sizes itself by its borders; a framed one lets the desktop do it.
-  w.window = SDL_CreateWindow(form.Caption.c_str(), x, y, w.w, w.h,
-                              popUp ? SDL_WINDOW_SHOWN | SDL_WINDOW_BORDERLESS | SDL_WINDOW_POPUP_MENU
-                              : form.Borderless ? SDL_WINDOW_SHOWN | SDL_WINDOW_BORDERLESS
-                              : form.Sizable    ? SDL_WINDOW_SHOWN | SDL_WINDOW_RESIZABLE
-                                                : SDL_WINDOW_SHOWN);
+  w.window.reset(SDL_CreateWindow(form.Caption.c_str(), x, y, w.w, w.h,
+                                  popUp ? SDL_WINDOW_SHOWN | SDL_WINDOW_BORDERLESS | SDL_WINDOW_POPUP_MENU
+                                  : form.Borderless ? SDL_WINDOW_SHOWN | SDL_WINDOW_BORDERLESS
+                                  : form.Sizable    ? SDL_WINDOW_SHOWN | SDL_WINDOW_RESIZABLE
+                                                    : SDL_WINDOW_SHOWN));
   if (!w.window) Raise(ErrNo::InvalidArgument, std::string("No window: ") + SDL_GetError(), "SdlBackend");
-  if (!popUp) FollowWindow(form, w.window);
-  if (form.Modal()) {
-    // The desktop keeps a modal dialog above the window it belongs to.
-    for (const auto& [other, ow] : windows_) {
-      if (!other->PopUp && !other->Modal()) {
-        SDL_SetWindowModalFor(w.window, ow.window);
-        break;
-      }
-    }
-  }
+  if (!popUp) FollowWindow(form, w.window.get());
   if (form.Sizable && !form.Borderless) {
     // The desktop's frame must not make it smaller than its layout allows.
-    SDL_SetWindowMinimumSize(w.window, static_cast<int>(std::ceil(form.MinWidth * form.Zoom())),
+    SDL_SetWindowMinimumSize(w.window.get(), static_cast<int>(std::ceil(form.MinWidth * form.Zoom())),
                              static_cast<int>(std::ceil(form.MinHeight * form.Zoom())));
   }
-  w.renderer = SDL_CreateRenderer(w.window, -1, SDL_RENDERER_SOFTWARE);
-  w.texture = SDL_CreateTexture(w.renderer, SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STREAMING, w.w, w.h);
-  windows_[&form] = w;
+  w.renderer.reset(SDL_CreateRenderer(w.window.get(), -1, SDL_RENDERER_SOFTWARE));
+  if (!w.renderer) Raise(ErrNo::InvalidArgument, std::string("No renderer: ") + SDL_GetError(), "SdlBackend");
+  if (form.Modal() && form.Owner()) {
+    // The desktop keeps a modal dialog above the window it belongs to (X11
+    // knows how; other drivers may not, and the dialog is then only raised).
+    // Told once the renderer is made: making one may make the window anew.
+    if (const auto owner = windows_.find(form.Owner()); owner != windows_.end())
+      SDL_SetWindowModalFor(w.window.get(), owner->second.window.get());
+  }
+  // The texture comes with the first picture.
+  windows_.emplace(&form, std::move(w));
   form.Invalidate();
   if (!form.IconKey().empty()) FormIconChanged(form);
 }
@@ -266,13 +296,13 @@ void SdlBackend::FormMoved(cfForm& form) {
   auto it = windows_.find(&form);
   if (it == windows_.end()) return;
   // The size follows with the next picture, which a new size brings.
-  SDL_SetWindowPosition(it->second.window, static_cast<int>(std::lround(form.Left())),
-                        static_cast<int>(std::lround(form.Top())));
+  SDL_SetWindowPosition(it->second.window.get(), static_cast<int>(std::lround(form.ScreenX())),
+                        static_cast<int>(std::lround(form.ScreenY())));
 }
 
 void SdlBackend::BringToFront(cfForm& form) {
   UiBackend::BringToFront(form);
-  if (auto it = windows_.find(&form); it != windows_.end()) SDL_RaiseWindow(it->second.window);
+  if (auto it = windows_.find(&form); it != windows_.end()) SDL_RaiseWindow(it->second.window.get());
 }
 
 void SdlBackend::FormIconChanged(cfForm& form) {
@@ -287,10 +317,8 @@ void SdlBackend::FormIconChanged(cfForm& form) {
     DrawingContext ctx(icon);
     ctx.DrawSurface(picture, 0, 0, 64, 64, Filter::Good);
   }
-  SDL_Surface* sdl = StraightAlphaSurface(icon);
-  if (!sdl) return;
-  SDL_SetWindowIcon(it->second.window, sdl);
-  SDL_FreeSurface(sdl);
+  const SdlPtr<SDL_Surface> sdl = StraightAlphaSurface(icon);
+  if (sdl) SDL_SetWindowIcon(it->second.window.get(), sdl.get());
 }
 
 void SdlBackend::WorkArea(double& x, double& y, double& w, double& h) {
@@ -303,16 +331,11 @@ void SdlBackend::FollowWindow(cfForm& form, SDL_Window* window) {
   // The form knows where its window is, so that pop-ups open beside it.
   int x = 0, y = 0;
   SDL_GetWindowPosition(window, &x, &y);
-  form.Move(x, y, form.Width(), form.Height());
+  form.NoteScreenPosition(x, y);
 }
 
 void SdlBackend::FormClosed(cfForm& form) {
-  auto it = windows_.find(&form);
-  if (it == windows_.end()) return;
-  SDL_DestroyTexture(it->second.texture);
-  SDL_DestroyRenderer(it->second.renderer);
-  SDL_DestroyWindow(it->second.window);
-  windows_.erase(it);
+  windows_.erase(&form);  // its texture, renderer and window with it
 }
 
 void SdlBackend::Present(cfForm& form) {
@@ -321,12 +344,17 @@ void SdlBackend::Present(cfForm& form) {
   Window& w = it->second;
   const SurfacePtr& surface = form.Surface();
   std::vector<cfForm::DeviceRect> changed = form.LastPaintedRects();
-  if (surface->Width() != w.w || surface->Height() != w.h) {
-    SDL_DestroyTexture(w.texture);
-    w.w = surface->Width(), w.h = surface->Height();
-    SDL_SetWindowSize(w.window, w.w, w.h);
-    w.texture =
-        SDL_CreateTexture(w.renderer, SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STREAMING, w.w, w.h);
+  if (!w.texture || surface->Width() != w.w || surface->Height() != w.h) {
+    // A picture of another size: a texture of its size, the old one given
+    // back first. The window takes the size too.
+    w.texture.reset();
+    if (surface->Width() != w.w || surface->Height() != w.h) {
+      w.w = surface->Width(), w.h = surface->Height();
+      SDL_SetWindowSize(w.window.get(), w.w, w.h);
+    }
+    w.texture.reset(
+        SDL_CreateTexture(w.renderer.get(), SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_STREAMING, w.w, w.h));
+    if (!w.texture) return;  // SDL refused: the next picture tries again
     changed = {{0, 0, w.w, w.h}};
   }
   // Only what was painted goes up. cairo's ARGB32 is SDL's ARGB8888 on
@@ -335,11 +363,11 @@ void SdlBackend::Present(cfForm& form) {
   for (const cfForm::DeviceRect& r : changed) {
     if (r.w <= 0 || r.h <= 0) continue;
     const SDL_Rect rect{r.x, r.y, r.w, r.h};
-    SDL_UpdateTexture(w.texture, &rect, v.Bytes() + static_cast<std::ptrdiff_t>(r.y) * v.Stride() + r.x * 4,
-                      v.Stride());
+    SDL_UpdateTexture(w.texture.get(), &rect,
+                      v.Bytes() + static_cast<std::ptrdiff_t>(r.y) * v.Stride() + r.x * 4, v.Stride());
   }
-  SDL_RenderCopy(w.renderer, w.texture, nullptr, nullptr);
-  SDL_RenderPresent(w.renderer);
+  SDL_RenderCopy(w.renderer.get(), w.texture.get(), nullptr, nullptr);
+  SDL_RenderPresent(w.renderer.get());
   if (firstFrame_) {
     firstFrame_ = false;
     if (OnFirstFrame) OnFirstFrame();
@@ -353,7 +381,7 @@ Bytes SdlBackend::WindowPng(cfForm& form) {
   SurfacePtr shot = DrawingSurface::Create(w.w, w.h);
   {
     PixelView v = shot->Pixels();
-    SDL_RenderReadPixels(w.renderer, nullptr, SDL_PIXELFORMAT_ARGB8888, v.Bytes(), v.Stride());
+    SDL_RenderReadPixels(w.renderer.get(), nullptr, SDL_PIXELFORMAT_ARGB8888, v.Bytes(), v.Stride());
   }
   return shot->ToPngBytes();
 }
@@ -441,8 +469,9 @@ bool SdlBackend::Translate(const SDL_Event& e, UiEvent& event) {
       if (e.window.event == SDL_WINDOWEVENT_SIZE_CHANGED) {
         // The desktop sized the window: the form lays itself out anew.
         cfForm* f = FormOf(e.window.windowID);
-        if (f && (e.window.data1 != windows_[f].w || e.window.data2 != windows_[f].h)) {
-          f->Move(f->Left(), f->Top(), e.window.data1 / f->Zoom(), e.window.data2 / f->Zoom());
+        const auto it = windows_.find(f);
+        if (it != windows_.end() && (e.window.data1 != it->second.w || e.window.data2 != it->second.h)) {
+          f->Resize(e.window.data1 / f->Zoom(), e.window.data2 / f->Zoom());
         }
       }
       return false;

@@ -14,9 +14,23 @@ struct SDL_Window;
 struct SDL_Renderer;
 struct SDL_Texture;
 struct SDL_Cursor;
+struct SDL_Surface;
 union SDL_Event;
 
 namespace qds {
+
+// Gives an object of SDL back with SDL's own function for its kind.
+struct SdlDestroyer {
+  void operator()(SDL_Window* p) const;
+  void operator()(SDL_Renderer* p) const;
+  void operator()(SDL_Texture* p) const;
+  void operator()(SDL_Cursor* p) const;
+  void operator()(SDL_Surface* p) const;
+};
+// The one owner of an object of SDL: destroyed once, whatever way its
+// holder goes (closed, replaced, or left by an exception).
+template <class T>
+using SdlPtr = std::unique_ptr<T, SdlDestroyer>;
 
 class SdlBackend : public UiBackend {
  public:
@@ -46,20 +60,31 @@ class SdlBackend : public UiBackend {
   std::function<void()> OnFirstFrame;
 
  private:
+  // SDL itself, from the first call to the last: declared first, so that
+  // it ends after every window and cursor below.
+  struct Session {
+    Session();
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+  };
+  // Members go in the reverse order: the texture, then its renderer, then
+  // the window.
   struct Window {
-    SDL_Window* window = nullptr;
-    SDL_Renderer* renderer = nullptr;
-    SDL_Texture* texture = nullptr;
-    int w = 0, h = 0;
+    SdlPtr<SDL_Window> window;
+    SdlPtr<SDL_Renderer> renderer;
+    SdlPtr<SDL_Texture> texture;  // none until the first picture, or when SDL refused one
+    int w = 0, h = 0;             // the texture's size
   };
   cfForm* FormOf(unsigned windowId) const;
   bool TakePending(UiEvent& event);
   // SDL's event as the program's; false for those it keeps to itself.
   bool Translate(const SDL_Event& e, UiEvent& event);
   static void FollowWindow(cfForm& form, SDL_Window* window);
+  Session session_;
   std::map<cfForm*, Window> windows_;
-  std::map<int, SDL_Cursor*> cursors_;
-  SDL_Cursor* dragCursor_ = nullptr;
+  std::map<int, SdlPtr<SDL_Cursor>> cursors_;
+  SdlPtr<SDL_Cursor> dragCursor_;
   bool firstFrame_ = true;
   std::vector<UiEvent> pending_;  // characters of one text input still to deliver
 };

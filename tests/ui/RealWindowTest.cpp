@@ -8,8 +8,12 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -50,6 +54,30 @@ int Wait(pid_t pid, int seconds) {
   return -1;
 }
 
+// What a command prints; nothing when it cannot run.
+std::string Output(const std::string& command) {
+  std::string out;
+  if (FILE* p = ::popen(command.c_str(), "r")) {
+    char buffer[4096];
+    for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, p)) > 0;) out.append(buffer, n);
+    ::pclose(p);
+  }
+  return out;
+}
+
+// The id ("0x1400003") of the window of that title in xwininfo's tree; none when it is not there.
+std::string WindowIdOf(const std::string& tree, const std::string& title) {
+  std::istringstream in(tree);
+  for (std::string line; std::getline(in, line);) {
+    if (line.find("\"" + title + "\"") == std::string::npos) continue;
+    std::istringstream words(line);
+    std::string id;
+    words >> id;
+    return id;
+  }
+  return {};
+}
+
 }  // namespace
 
 TEST(RealWindow, TheDemonstrationFormUnderXLooksAsItDoesWithoutADisplay) {
@@ -75,16 +103,73 @@ TEST(RealWindow, TheDemonstrationFormUnderXLooksAsItDoesWithoutADisplay) {
                               {"DISPLAY=" + name, "ASAN_OPTIONS=detect_leaks=0"});
   const int code = program > 0 ? Wait(program, 60) : -1;
   // A script drives the real window too, a modal dialog included.
-  qds::WriteUtf8Text(dir / "script.txt",
-                     "click btnOk\nwait 50\nexpect sbStatus caption Clicks: 1\nclick btnAsk\nclick btnYes\n"
-                     "expect sbStatus caption Answer: Yes\n");
+  const std::string asking = dir / "asking.json";
+  // It stays open a while, for the X server to be asked about it.
+  qds::WriteUtf8Text(
+      dir / "script.txt",
+      "click btnOk\nwait 50\nexpect sbStatus caption Clicks: 1\nclick btnAsk\nwait 2000\ndump " + asking +
+          "\nclick btnYes\nexpect sbStatus caption Answer: Yes\n");
   const pid_t script = Spawn({QDS_APP_EXE, "--automate", dir / "script.txt", "--real-window"},
                              {"DISPLAY=" + name, "ASAN_OPTIONS=detect_leaks=0"});
+  // The window system knows the dialog as modal for the window that opened
+  // it: it is "transient for" that window.
+  const bool xTools =
+      std::filesystem::exists("/usr/bin/xwininfo") && std::filesystem::exists("/usr/bin/xprop");
+  // Asked until it says so, or the dialog has had its time: SDL may make a
+  // window anew while it sets it up, and a slow build is seen half way.
+  std::string dialogId, mainId, transientFor;
+  // Asked for as long as the script runs (it is not reaped here), since a
+  // loaded machine may take many seconds to start it.
+  const auto running = [script] {
+    siginfo_t info{};
+    return waitid(P_PID, static_cast<id_t>(script), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+           info.si_pid == 0;
+  };
+  const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+  for (int i = 0; xTools && script > 0 && running() && std::chrono::steady_clock::now() < giveUp &&
+                  (transientFor.empty() || transientFor != mainId);
+       ++i) {
+    if (i > 0) std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    const std::string tree = Output("DISPLAY=" + name + " xwininfo -root -tree 2>/dev/null");
+    const std::string dialogNow = WindowIdOf(tree, "Question");
+    if (dialogNow.empty()) continue;
+    dialogId = dialogNow;
+    mainId = WindowIdOf(tree, "Quillaron Design Studio: widgets");
+    std::istringstream said(
+        Output("DISPLAY=" + name + " xprop -id " + dialogId + " WM_TRANSIENT_FOR 2>/dev/null"));
+    for (std::string word; said >> word;) transientFor = word;  // the last word is the window's id
+  }
   const int scriptCode = script > 0 ? Wait(script, 60) : -1;
   kill(server, SIGTERM);
   Wait(server, 10);
   ASSERT_EQ(code, 0);
   EXPECT_EQ(scriptCode, 0);
+  if (xTools) {
+    EXPECT_FALSE(dialogId.empty()) << "no window titled Question was seen";
+    EXPECT_FALSE(mainId.empty());
+    EXPECT_EQ(transientFor, mainId);
+  } else {
+    std::cerr << "xwininfo and xprop are not installed (scripts/install-deps installs them): "
+                 "the dialog's owner on the X server is not checked\n";
+  }
+  // The dialog opened in the middle of the window that asked, as the X
+  // server (with no window manager to move them) has both.
+  if (FileExists(asking)) {
+    const nlohmann::json dump = nlohmann::json::parse(ReadAllText(asking));
+    ASSERT_EQ(dump["forms"].size(), 2u);
+    const nlohmann::json& main = dump["forms"][0];
+    const nlohmann::json& dialog = dump["forms"][1];
+    EXPECT_EQ(dialog["name"], "DemoAskForm");
+    const auto middle = [](const nlohmann::json& f, const char* at, const char* size) {
+      return f[at].get<int>() + f[size].get<int>() / 2;
+    };
+    EXPECT_NEAR(middle(dialog, "x", "width"), middle(main, "x", "width"), 1);
+    EXPECT_NEAR(middle(dialog, "y", "height"), middle(main, "y", "height"), 1);
+    EXPECT_GT(main["x"].get<int>(), 0);  // where SDL put it, in the middle of the screen
+    EXPECT_EQ(main["width"], 580);
+  } else {
+    ADD_FAILURE() << "the script wrote no dump";
+  }
   const SurfacePtr window = DrawingSurface::FromPngFile(shot);
   ASSERT_TRUE(window);
 

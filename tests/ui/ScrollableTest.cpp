@@ -69,7 +69,7 @@ struct Scrolling : ::testing::Test {
   UiDriver ui;
   cfForm form;
   void SetUp() override {
-    form.Move(0, 0, 400, 300);
+    form.Resize(400, 300);
     form.Show();
   }
   // Moves a widget and lets the loop lay it out, however soon that comes.

@@ -9,9 +9,11 @@
 #include <thread>
 #include <vector>
 
+#include "platform/DrawingContext.h"
 #include "platform/DrawingSurface.h"
 #include "platform/ui/Form.h"
 #include "platform/ui/SdlBackend.h"
+#include "tests/support/Pixels.h"
 
 using namespace qds;
 
@@ -35,6 +37,16 @@ struct Recorder : Widget {
   }
 };
 
+// A square of red.
+struct Mark : Widget {
+  Mark() : Widget("Mark") {}
+  void W_Paint(DrawingContext& ctx, double w, double h) override {
+    ctx.SetSourceColor(0x0000FF);
+    ctx.Rectangle(0, 0, w, h);
+    ctx.Fill();
+  }
+};
+
 struct ResizingForm : cfForm {
   int resized = 0;
   void W_Resize() override { ++resized; }
@@ -48,7 +60,7 @@ TEST(SdlEvents, KeysTextMouseAndSizeChangesReachTheForm) {
   PlatformRoot root{std::unique_ptr<UiBackend>(sdl)};
   ResizingForm form;
   form.setZoom(2);
-  form.Move(0, 0, 100, 50);
+  form.Resize(100, 50);
   form.Sizable = true;
   Recorder& rec = form.Children().Add(std::make_unique<Recorder>(), "rec");
   rec.Move(0, 0, 100, 50);
@@ -108,4 +120,98 @@ TEST(SdlEvents, KeysTextMouseAndSizeChangesReachTheForm) {
   });
   root.RunMessageLoop();
   EXPECT_EQ(firedOn, std::this_thread::get_id());
+}
+
+TEST(SdlEvents, AWindowIsWhereItsFormIsAndGoesWithItsFormOrItsBackend) {
+  ::setenv("SDL_VIDEODRIVER", "dummy", 1);
+  cfForm left("Left");  // still open when its backend goes
+  {
+    auto* sdl = new SdlBackend;
+    PlatformRoot root{std::unique_ptr<UiBackend>(sdl)};
+    cfForm form;
+    form.setZoom(2);
+    form.Resize(100, 50);
+    form.MoveOnScreen(120, 80);
+    form.BackColor = 0xFFFFFF;
+    Mark& mark = form.Children().Add(std::make_unique<Mark>(), "mark");
+    mark.Move(90, 40, 10, 10);  // the bottom-right corner
+    form.Show();
+    root.DoEvents();
+    SDL_Window* window = SDL_GetWindowFromID(sdl->WindowId(form));
+    ASSERT_NE(window, nullptr);
+    // Screen pixels for the place, the zoom for the size.
+    int x = 0, y = 0, w = 0, h = 0;
+    SDL_GetWindowPosition(window, &x, &y);
+    SDL_GetWindowSize(window, &w, &h);
+    EXPECT_EQ(x, 120);
+    EXPECT_EQ(y, 80);
+    EXPECT_EQ(w, 200);
+    EXPECT_EQ(h, 100);
+    form.MoveOnScreen(140, 90);
+    SDL_GetWindowPosition(window, &x, &y);
+    EXPECT_EQ(x, 140);
+    EXPECT_EQ(y, 90);
+
+    // A new size: the window takes it, with a texture of the new size that
+    // shows the whole new picture, the corner moved out to the new corner.
+    form.Resize(150, 60);
+    mark.Move(140, 50, 10, 10);
+    root.DoEvents();
+    SDL_GetWindowSize(window, &w, &h);
+    EXPECT_EQ(w, 300);
+    EXPECT_EQ(h, 120);
+    const SurfacePtr shot = DrawingSurface::FromPngBytes(sdl->WindowPng(form));
+    ASSERT_TRUE(shot);
+    ASSERT_EQ(shot->Width(), 300);
+    EXPECT_EQ(PixelAt(shot, 295, 115), (Bgra{0, 0, 255, 255}));
+    EXPECT_EQ(PixelAt(shot, 5, 5), (Bgra{255, 255, 255, 255}));
+    EXPECT_EQ(PixelAt(shot, 195, 95), (Bgra{255, 255, 255, 255}));  // where the corner was
+
+    // Closed, the form's window is gone.
+    const Uint32 id = sdl->WindowId(form);
+    form.Close();
+    EXPECT_EQ(sdl->WindowId(form), 0u);
+    EXPECT_EQ(SDL_GetWindowFromID(id), nullptr);
+    left.Resize(50, 50);
+    left.Show();
+    root.DoEvents();
+    sdl->SetCursor(Cursor::Hand);
+  }
+  // The backend went with a window open and a cursor made: each was given
+  // back once, and SDL starts again for the next backend.
+  auto* sdl = new SdlBackend;
+  PlatformRoot root{std::unique_ptr<UiBackend>(sdl)};
+  cfForm again;
+  again.Resize(40, 30);
+  again.Show();
+  root.DoEvents();
+  EXPECT_NE(SDL_GetWindowFromID(sdl->WindowId(again)), nullptr);
+  again.Close();
+}
+
+TEST(SdlEvents, AModalDialogOpensInTheMiddleOfTheWindowThatOpenedIt) {
+  ::setenv("SDL_VIDEODRIVER", "dummy", 1);
+  auto* sdl = new SdlBackend;
+  PlatformRoot root{std::unique_ptr<UiBackend>(sdl)};
+  cfForm main("Main");
+  main.Resize(300, 200);
+  main.MoveOnScreen(40, 30);
+  main.Show();
+  cfForm dialog("Dialog");
+  dialog.setZoom(2);
+  dialog.Resize(50, 40);  // 100 by 80 pixels
+  int x = -1, y = -1;
+  cfForm* owner = nullptr;
+  root.OnIdle = [&] {
+    SDL_GetWindowPosition(SDL_GetWindowFromID(sdl->WindowId(dialog)), &x, &y);
+    owner = dialog.Owner();
+    dialog.Close();
+    return true;
+  };
+  root.RunModal(dialog);
+  root.OnIdle = nullptr;
+  EXPECT_EQ(owner, &main);  // the active form, as none was named
+  EXPECT_EQ(x, 40 + (300 - 100) / 2);
+  EXPECT_EQ(y, 30 + (200 - 80) / 2);
+  main.Close();
 }

@@ -45,7 +45,7 @@ bool AddPlainPicture(ImageList& images, const std::string& key, const std::strin
 TEST(StockWidgets, ButtonsClickByMouseAndKeyAndCheckableOnesToggle) {
   UiDriver ui;
   Host form;
-  form.Move(0, 0, 200, 100);
+  form.Resize(200, 100);
   int clicks = 0;
   cwButton& ok = form.Children().Add(std::make_unique<cwButton>(), "btnOk");
   ok.Move(10, 10, 80, 24);
@@ -85,7 +85,7 @@ TEST(StockWidgets, LabelsFramesAndImagesDrawAndAreMadeByName) {
   ASSERT_TRUE(AddPlainPicture(images, "Green", "#00ff00"));
   ui.Root().setImages(&images);
   cfForm form;
-  form.Move(0, 0, 120, 80);
+  form.Resize(120, 80);
   form.BackColor = StockColor(Palette::Back);
   std::unique_ptr<Widget> made = CreateWidget("cwImage");
   ASSERT_TRUE(made);
@@ -149,7 +149,7 @@ TEST(StockWidgets, TheDemonstrationFormWorksWithoutADisplay) {
 
   // Made larger, the form keeps its column to the right edge, lets the tree
   // and the scroll bar take the new height, and the status bar the bottom.
-  form.Move(0, 0, 800, 400);
+  form.Resize(800, 400);
   ui.Root().DoEvents();
   Widget& side = form.Children().Item("pnlSide");
   EXPECT_EQ(side.Left(), 600);
@@ -163,7 +163,7 @@ TEST(StockWidgets, TheDemonstrationFormWorksWithoutADisplay) {
 TEST(StockWidgets, ScrollBarsMoveByArrowTrackThumbAndWheelWithinTheirRange) {
   UiDriver ui;
   Host form;
-  form.Move(0, 0, 100, 240);
+  form.Resize(100, 240);
   auto& bar = static_cast<cwScrollBar&>(form.Children().Add(CreateWidget("cwVScrollBar"), "vsb"));
   bar.Move(10, 10, 16, 200);  // arrows 16 px, track 168 px
   int changes = 0;
@@ -209,7 +209,7 @@ TEST(StockWidgets, ScrollBarsMoveByArrowTrackThumbAndWheelWithinTheirRange) {
 TEST(StockWidgets, TheStatusBarLetsItsOwnerDrawOverIt) {
   UiDriver ui;
   Host form;
-  form.Move(0, 0, 200, 40);
+  form.Resize(200, 40);
   auto& status = static_cast<cwStatusBar&>(form.Children().Add(CreateWidget("cwStatusBar"), "sb"));
   status.Move(0, 20, 200, 20);
   status.Caption = "Ready";
@@ -227,7 +227,8 @@ TEST(StockWidgets, TheStatusBarLetsItsOwnerDrawOverIt) {
 TEST(StockWidgets, MenusListTheirRootsItemsAndCloseOnAChoiceEscapeOrAClickElsewhere) {
   UiDriver ui;
   Host form;
-  form.Move(100, 50, 300, 200);
+  form.Resize(300, 200);
+  form.MoveOnScreen(100, 50);
   auto& menu = static_cast<cwMenu&>(form.Children().Add(CreateWidget("cwMenu"), "mnu"));
   menu.AddItem("File>Open", "&Open…");
   menu.AddItem("File>Save", "Save", {}, false);
@@ -245,8 +246,8 @@ TEST(StockWidgets, MenusListTheirRootsItemsAndCloseOnAChoiceEscapeOrAClickElsewh
   menu.ShowPopup("File", 10, 20);
   ASSERT_TRUE(menu.IsOpen());
   cfForm& popup = *menu.PopupForm();
-  EXPECT_EQ(popup.Left(), 110);
-  EXPECT_EQ(popup.Top(), 70);
+  EXPECT_EQ(popup.ScreenX(), 110);
+  EXPECT_EQ(popup.ScreenY(), 70);
   EXPECT_EQ(popup.Height(), 4 * 24);
   auto clickRow = [&](cfForm& on, int row) { ui.ClickAt(on, 20, row * 24.0 + 12); };
   clickRow(popup, 1);  // disabled: the menu stays open
@@ -265,8 +266,8 @@ TEST(StockWidgets, MenusListTheirRootsItemsAndCloseOnAChoiceEscapeOrAClickElsewh
   ASSERT_NE(menu.SubPopupForm(), nullptr);
   cfForm& sub = *menu.SubPopupForm();
   EXPECT_EQ(sub.Height(), 2 * 24);
-  EXPECT_EQ(sub.Top(), 70 + 2 * 24);
-  EXPECT_GT(sub.Left(), 110 + 100);
+  EXPECT_EQ(sub.ScreenY(), 70 + 2 * 24);
+  EXPECT_GT(sub.ScreenX(), 110 + 100);
   clickRow(sub, 1);
   EXPECT_FALSE(menu.IsOpen());
   EXPECT_EQ(ui.Root().Forms().size(), 1u);  // the sub-menu went too
@@ -308,20 +309,21 @@ TEST(StockWidgets, MenusListTheirRootsItemsAndCloseOnAChoiceEscapeOrAClickElsewh
   // at, and a sub-menu opens on the left of its menu.
   double ax, ay, aw, ah;
   ui.Backend().WorkArea(ax, ay, aw, ah);
-  form.Move(ax + aw - 20, ay + ah - 20, 300, 200);
+  form.Resize(300, 200);
+  form.MoveOnScreen(ax + aw - 20, ay + ah - 20);
   menu.ShowPopup("File", 0, 0);
   cfForm& cornered = *menu.PopupForm();
-  EXPECT_EQ(cornered.Left() + cornered.Width(), ax + aw - 20);
-  EXPECT_EQ(cornered.Top() + cornered.Height(), ay + ah - 20);
+  EXPECT_EQ(cornered.ScreenX() + cornered.ScreenWidth(), ax + aw - 20);
+  EXPECT_EQ(cornered.ScreenY() + cornered.ScreenHeight(), ay + ah - 20);
   clickRow(cornered, 2);
   ASSERT_NE(menu.SubPopupForm(), nullptr);
-  EXPECT_LE(menu.SubPopupForm()->Left() + menu.SubPopupForm()->Width(), cornered.Left() + 4);
-  EXPECT_LE(menu.SubPopupForm()->Top() + menu.SubPopupForm()->Height(), ay + ah);
+  EXPECT_LE(menu.SubPopupForm()->ScreenX() + menu.SubPopupForm()->ScreenWidth(), cornered.ScreenX() + 4);
+  EXPECT_LE(menu.SubPopupForm()->ScreenY() + menu.SubPopupForm()->ScreenHeight(), ay + ah);
   ui.Press(form, Key::Escape);
   ui.Press(form, Key::Escape);
   EXPECT_EQ(gone, 7);
   menu.ShowPopup("File", 0, 30, 10);  // dropped from a button at 10..30: opens above it
-  EXPECT_EQ(menu.PopupForm()->Top() + menu.PopupForm()->Height(), ay + ah - 20 + 10);
+  EXPECT_EQ(menu.PopupForm()->ScreenY() + menu.PopupForm()->ScreenHeight(), ay + ah - 20 + 10);
   ui.Press(form, Key::Escape);
   EXPECT_EQ(gone, 8);
 
@@ -336,7 +338,8 @@ TEST(StockWidgets, MenusListTheirRootsItemsAndCloseOnAChoiceEscapeOrAClickElsewh
 TEST(StockWidgets, ADropDownShowsItsContentUnderItselfAndTogglesOnItsBox) {
   UiDriver ui;
   Host form;
-  form.Move(200, 100, 300, 200);
+  form.Resize(300, 200);
+  form.MoveOnScreen(200, 100);
   auto& frame = form.Children().Add(std::make_unique<cwFrame>(), "frm");
   frame.Move(10, 10, 200, 100);
   auto& drop = static_cast<cwDropDown&>(frame.Children().Add(CreateWidget("cwDropDown"), "ddl"));
@@ -350,8 +353,8 @@ TEST(StockWidgets, ADropDownShowsItsContentUnderItselfAndTogglesOnItsBox) {
   ui.Click(drop);
   ASSERT_TRUE(drop.IsOpen());
   const cfForm& popup = *drop.PopupForm();
-  EXPECT_EQ(popup.Left(), 200 + 30);
-  EXPECT_EQ(popup.Top(), 100 + 40 + 24);
+  EXPECT_EQ(popup.ScreenX(), 200 + 30);
+  EXPECT_EQ(popup.ScreenY(), 100 + 40 + 24);
   EXPECT_EQ(popup.Width(), 150);
   EXPECT_EQ(inside.Height(), 90);
   ui.Click(inside);  // the content works, and the pop-up stays
@@ -383,7 +386,7 @@ TEST(StockWidgets, FolderAndFileListsShowRealFoldersFilteredAndFollowRescan) {
 
   UiDriver ui;
   Host form;
-  form.Move(0, 0, 400, 300);
+  form.Resize(400, 300);
   auto& dirs = static_cast<cwDirList&>(form.Children().Add(CreateWidget("cwDirList"), "dir"));
   dirs.Move(0, 0, 200, 300);
   auto& files = static_cast<cwFileList&>(form.Children().Add(CreateWidget("cwFileList"), "fil"));
@@ -439,7 +442,7 @@ TEST(StockWidgets, FolderAndFileListsShowRealFoldersFilteredAndFollowRescan) {
 TEST(StockWidgets, TreesExpandSelectKeepStateAcrossNewDataAndLetTheOwnerDraw) {
   UiDriver ui;
   Host form;
-  form.Move(0, 0, 200, 200);
+  form.Resize(200, 200);
   auto& tree = static_cast<cwTree&>(form.Children().Add(CreateWidget("cwTree"), "tre"));
   tree.Move(0, 0, 200, 200);  // rows of 20 px; the expander of depth d at 4 + 14 d
   const auto data = [](const std::string& extra) {
@@ -499,7 +502,8 @@ TEST(StockWidgets, TreesExpandSelectKeepStateAcrossNewDataAndLetTheOwnerDraw) {
 TEST(StockWidgets, TabAndAccessKeysMoveTheFocusAndTipsShowWhenTheMouseRests) {
   UiDriver ui;
   Host form;
-  form.Move(50, 40, 300, 100);
+  form.Resize(300, 100);
+  form.MoveOnScreen(50, 40);
   std::vector<cwButton*> buttons;
   int saved = 0;
   for (const char* caption : {"&Open", "&Save", "Salt && &Pepper"}) {
@@ -556,8 +560,8 @@ TEST(StockWidgets, TabAndAccessKeysMoveTheFocusAndTipsShowWhenTheMouseRests) {
   ASSERT_NE(form.ToolTipWindow(), nullptr);
   EXPECT_TRUE(form.ToolTipWindow()->Showing());
   EXPECT_EQ(form.ToolTipWindow()->Caption, "Save the design");
-  EXPECT_EQ(form.ToolTipWindow()->Left(), 50 + 140);
-  EXPECT_GT(form.ToolTipWindow()->Top(), 40 + 20);
+  EXPECT_EQ(form.ToolTipWindow()->ScreenX(), 50 + 140);
+  EXPECT_GT(form.ToolTipWindow()->ScreenY(), 40 + 20);
   ui.Mouse(form, UiEvent::Type::MouseMove, 40, 20);
   EXPECT_EQ(form.ToolTipWindow(), nullptr);
   ui.Backend().AdvanceMs(cfForm::kToolTipDelayMs * 3);
@@ -578,7 +582,8 @@ TEST(StockWidgets, FramelessFormsMoveByTheirTopMaximiseToTheWorkAreaAndShowABack
   ASSERT_TRUE(AddPlainPicture(images, "Blue", "#0000ff"));
   ui.Root().setImages(&images);
   Host form;
-  form.Move(100, 100, 200, 150);
+  form.Resize(200, 150);
+  form.MoveOnScreen(100, 100);
   form.Borderless = true;
   form.DragRegionHeight = 30;
   form.PictureKey = "Blue";
@@ -591,34 +596,34 @@ TEST(StockWidgets, FramelessFormsMoveByTheirTopMaximiseToTheWorkAreaAndShowABack
   // Dragging the top moves the window; the grabbed point stays under the mouse.
   mouse(UiEvent::Type::MouseDown, 50, 10);
   mouse(UiEvent::Type::MouseMove, 80, 30);
-  EXPECT_EQ(form.Left(), 130);
-  EXPECT_EQ(form.Top(), 120);
+  EXPECT_EQ(form.ScreenX(), 130);
+  EXPECT_EQ(form.ScreenY(), 120);
   mouse(UiEvent::Type::MouseMove, 50, 10);  // the window came along, so this is no move
-  EXPECT_EQ(form.Left(), 130);
+  EXPECT_EQ(form.ScreenX(), 130);
   mouse(UiEvent::Type::MouseUp, 50, 10);
   mouse(UiEvent::Type::MouseMove, 90, 10);
-  EXPECT_EQ(form.Left(), 130);
+  EXPECT_EQ(form.ScreenX(), 130);
   // Below the region, or on a widget in it, the form stays put.
   mouse(UiEvent::Type::MouseDown, 50, 60);
   mouse(UiEvent::Type::MouseMove, 90, 90);
   mouse(UiEvent::Type::MouseUp, 90, 90);
   ui.Click(close);
-  EXPECT_EQ(form.Left(), 130);
-  EXPECT_EQ(form.Top(), 120);
+  EXPECT_EQ(form.ScreenX(), 130);
+  EXPECT_EQ(form.ScreenY(), 120);
 
   form.setZoom(2);
   form.setState(cfForm::WindowState::Maximized);
   double x, y, w, h;
   ui.Backend().WorkArea(x, y, w, h);
-  EXPECT_EQ(form.Left(), x);
+  EXPECT_EQ(form.ScreenX(), x);
   EXPECT_EQ(form.Width() * 2, w);
   EXPECT_EQ(ui.Screenshot(form)->Height(), h);
   mouse(UiEvent::Type::MouseDown, 50, 10);  // a maximised window is not dragged
   mouse(UiEvent::Type::MouseMove, 90, 30);
   mouse(UiEvent::Type::MouseUp, 90, 30);
-  EXPECT_EQ(form.Left(), x);
+  EXPECT_EQ(form.ScreenX(), x);
   form.setState(cfForm::WindowState::Normal);
-  EXPECT_EQ(form.Left(), 130);
+  EXPECT_EQ(form.ScreenX(), 130);
   EXPECT_EQ(form.Width(), 200);
   EXPECT_EQ(form.Height(), 150);
 
@@ -630,7 +635,7 @@ TEST(StockWidgets, FramelessFormsMoveByTheirTopMaximiseToTheWorkAreaAndShowABack
   mouse(UiEvent::Type::MouseDown, 398, 298);
   mouse(UiEvent::Type::MouseMove, 438, 318);
   mouse(UiEvent::Type::MouseUp, 438, 318);
-  EXPECT_EQ(form.Left(), 130);
+  EXPECT_EQ(form.ScreenX(), 130);
   EXPECT_EQ(form.Width(), 220);
   EXPECT_EQ(form.Height(), 160);
   EXPECT_EQ(ui.Screenshot(form)->Width(), 440);
@@ -638,14 +643,14 @@ TEST(StockWidgets, FramelessFormsMoveByTheirTopMaximiseToTheWorkAreaAndShowABack
   mouse(UiEvent::Type::MouseMove, 600, 100);
   mouse(UiEvent::Type::MouseUp, 600, 100);
   EXPECT_EQ(form.Width(), form.MinWidth);
-  EXPECT_EQ(form.Left(), 130 + 440 - 2 * form.MinWidth);
+  EXPECT_EQ(form.ScreenX(), 130 + 440 - 2 * form.MinWidth);
   EXPECT_EQ(form.Height(), 160);
 }
 
 TEST(StockWidgets, ListsShowAScrollBarOnlyWhenTheirRowsDoNotFitAndFollowIt) {
   UiDriver ui;
   Host form;
-  form.Move(0, 0, 200, 100);
+  form.Resize(200, 100);
   auto& tree = static_cast<cwTree&>(form.Children().Add(CreateWidget("cwTree"), "tre"));
   tree.Move(0, 0, 200, 100);  // five rows of 20
   std::vector<TreeNode> nodes;
@@ -678,7 +683,7 @@ TEST(StockWidgets, ListsShowAScrollBarOnlyWhenTheirRowsDoNotFitAndFollowIt) {
 TEST(StockWidgets, SettingWhatAWidgetShowsRepaintsIt) {
   UiDriver ui;
   Host form;
-  form.Move(0, 0, 300, 100);
+  form.Resize(300, 100);
   auto& label = form.Children().Add<cwLabel>("lbl");
   label.Move(200, 60, 80, 20);
   auto& button = form.Children().Add<cwButton>("btn");

@@ -84,7 +84,7 @@ struct Ui : ::testing::Test {
   Probe* panel = nullptr;
   Probe* child = nullptr;
   void SetUp() override {
-    form.Move(0, 0, 100, 80);
+    form.Resize(100, 80);
     form.BackColor = 0xFFFFFF;
     panel = &form.Children().Add(std::make_unique<Probe>(0x0000FF, false), "panel");
     panel->Move(10, 10, 50, 40);
@@ -345,7 +345,7 @@ TEST_F(Ui, ARemovedWidgetsTimersStopAtOnceAndWidgetsAreFoundByTheirKeys) {
 
 TEST_F(Ui, AModalFormBlocksItsOwnerUntilClosed) {
   TestForm dialog;
-  dialog.Move(0, 0, 40, 30);
+  dialog.Resize(40, 30);
   Probe& ok = dialog.Children().Add(std::make_unique<Probe>(0x00FF00), "ok");
   ok.Move(0, 0, 40, 30);
   struct Closer : Probe {
@@ -447,7 +447,7 @@ TEST_F(Ui, DragsDropOnTheWidgetUnderTheMouseAndPopUpsCloseOutside) {
   // A pop-up goes when the mouse is pressed on another form.
   TestForm popup;
   popup.PopUp = true;
-  popup.Move(0, 0, 20, 20);
+  popup.Resize(20, 20);
   popup.Show();
   backend->Push({UiEvent::Type::MouseDown, &popup, Button::Left, 0, 0, 5, 5});
   root.DoEvents();
@@ -492,7 +492,7 @@ std::string Rect(const Widget& w) {
 
 TEST_F(Ui, ChildrenFollowTheirDockAnchorsAndBoxOncePerTurnNeverInsideAConstructor) {
   TestForm f;
-  f.Move(0, 0, 200, 100);
+  f.Resize(200, 100);
   std::vector<std::string> heard;
   auto& top = f.Children().Add<SelfSizing>("top", &heard);
   top.setDock(Dock::Top);
@@ -537,8 +537,8 @@ TEST_F(Ui, ChildrenFollowTheirDockAnchorsAndBoxOncePerTurnNeverInsideAConstructo
   EXPECT_EQ(Rect(three), "5,32 130x32");
 
   // The user makes the window larger: everything follows in one pass.
-  f.Move(0, 0, 300, 150);
-  f.Move(0, 0, 320, 160);
+  f.Resize(300, 150);
+  f.Resize(320, 160);
   root.DoEvents();
   EXPECT_EQ(heard, (std::vector<std::string>{"200x20", "320x20"}));
   EXPECT_EQ(Rect(top), "0,0 320x20");

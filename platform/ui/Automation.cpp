@@ -568,7 +568,7 @@ std::string DumpForms(PlatformRoot& root) {
   for (cfForm* f : OpenForms(root)) {
     Json form;
     form["name"] = f->TypeName();
-    form["title"] = f->Caption;
+    form["title"] = f->Caption();
     // Screen pixels: the window's place and its size at its zoom.
     form["x"] = std::lround(f->ScreenX());
     form["y"] = std::lround(f->ScreenY());

@@ -143,6 +143,10 @@ void cfForm::CentreOver(const cfForm& owner) {
   MoveOnScreen(x, y);
 }
 
+void cfForm::TitleChanged() {
+  if (PlatformRoot* root = PlatformRoot::Current(); root && showing_) root->Backend().FormTitleChanged(*this);
+}
+
 void cfForm::setIconKey(const std::string& key) {
   iconKey_ = key;
   if (PlatformRoot* root = PlatformRoot::Current(); root && showing_) root->Backend().FormIconChanged(*this);
@@ -333,7 +337,7 @@ class ToolTipForm : public cfForm {
     ctx.Rectangle(0.5, 0.5, w - 1, h - 1);
     ctx.Stroke();
     ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
-    ctx.DrawText(6, 0, w - 12, h, Caption, true, TextAlign::Left, TextAlign::Middle);
+    ctx.DrawText(6, 0, w - 12, h, Caption(), true, TextAlign::Left, TextAlign::Middle);
   }
 };
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/Drawing.h"
+#include "platform/ui/Property.h"
 #include "platform/ui/Widget.h"
 
 namespace qds {
@@ -22,7 +23,8 @@ class cfForm : public Widget {
   explicit cfForm(std::string typeName = "cfForm");
   ~cfForm() override;
 
-  std::string Caption;
+  // The window's title: a new one goes to the window system at once.
+  Property<std::string> Caption{*this, {}, [this] { TitleChanged(); }};
   // Device pixels per logical unit (the interface zoom).
   double Zoom() const { return zoom_; }
   void setZoom(double zoom);
@@ -55,7 +57,7 @@ class cfForm : public Widget {
   // opened it there, or the user moved it); nothing is sent back.
   void NoteScreenPosition(double x, double y);
   // The background colour (0xBBGGRR) painted under the widgets.
-  std::int64_t BackColor = 0x323232;
+  Property<std::int64_t> BackColor{*this, 0x323232};
 
   // Pictures of the image cache: the window's icon, and one stretched
   // over the background.
@@ -163,6 +165,7 @@ class cfForm : public Widget {
   friend class Widgets;
   friend class PlatformRoot;
   void SetFocusTo(Widget* w);
+  void TitleChanged();
   // Offers a key to the focused widget and up to the form; true when one took it.
   template <class Handler>
   bool ClimbKey(const char* name, Handler handler);
@@ -203,7 +206,7 @@ class cfForm : public Widget {
   int buttons_ = 0;
   bool movingWindow_ = false;
   double grabX_ = 0, grabY_ = 0;
-  int resizing_ = 0;  // the Edge flags being dragged
+  int resizing_ = 0;                   // the Edge flags being dragged
   double grabRect_[4] = {0, 0, 0, 0};  // screen x, y, width, height in device pixels
   std::string iconKey_;
   WindowState state_ = WindowState::Normal;

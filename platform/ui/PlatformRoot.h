@@ -39,6 +39,7 @@ class UiBackend {
   // The form was moved or resized, or its icon changed.
   virtual void FormMoved(cfForm& form) { (void)form; }
   virtual void FormIconChanged(cfForm& form) { (void)form; }
+  virtual void FormTitleChanged(cfForm& form) { (void)form; }
   // Brings the form's window above the others (a modal dialog whose owner was clicked).
   virtual void BringToFront(cfForm& form) { front_ = &form; }
   cfForm* FrontForm() const { return front_; }

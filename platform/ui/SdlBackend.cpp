@@ -265,7 +265,7 @@ void SdlBackend::FormShown(cfForm& form) {
   const int x = placed ? static_cast<int>(std::lround(form.ScreenX())) : SDL_WINDOWPOS_CENTERED;
   const int y = placed ? static_cast<int>(std::lround(form.ScreenY())) : SDL_WINDOWPOS_CENTERED;
   // A frameless form sizes itself by its borders; a framed one lets the desktop do it.
-  w.window.reset(SDL_CreateWindow(form.Caption.c_str(), x, y, w.w, w.h,
+  w.window.reset(SDL_CreateWindow(form.Caption().c_str(), x, y, w.w, w.h,
                                   popUp ? SDL_WINDOW_SHOWN | SDL_WINDOW_BORDERLESS | SDL_WINDOW_POPUP_MENU
                                   : form.Borderless ? SDL_WINDOW_SHOWN | SDL_WINDOW_BORDERLESS
                                   : form.Sizable    ? SDL_WINDOW_SHOWN | SDL_WINDOW_RESIZABLE
@@ -303,6 +303,11 @@ void SdlBackend::FormMoved(cfForm& form) {
 void SdlBackend::BringToFront(cfForm& form) {
   UiBackend::BringToFront(form);
   if (auto it = windows_.find(&form); it != windows_.end()) SDL_RaiseWindow(it->second.window.get());
+}
+
+void SdlBackend::FormTitleChanged(cfForm& form) {
+  if (auto it = windows_.find(&form); it != windows_.end())
+    SDL_SetWindowTitle(it->second.window.get(), form.Caption().c_str());
 }
 
 void SdlBackend::FormIconChanged(cfForm& form) {

@@ -45,6 +45,7 @@ class SdlBackend : public UiBackend {
   void Present(cfForm& form) override;
   void FormMoved(cfForm& form) override;
   void FormIconChanged(cfForm& form) override;
+  void FormTitleChanged(cfForm& form) override;
   void BringToFront(cfForm& form) override;
   void WorkArea(double& x, double& y, double& w, double& h) override;
   void SetCursor(int cursor) override;

@@ -151,6 +151,9 @@ TEST(SdlEvents, AWindowIsWhereItsFormIsAndGoesWithItsFormOrItsBackend) {
     SDL_GetWindowPosition(window, &x, &y);
     EXPECT_EQ(x, 140);
     EXPECT_EQ(y, 90);
+    // A new caption is the window's title at once.
+    form.Caption = "Renamed";
+    EXPECT_STREQ(SDL_GetWindowTitle(window), "Renamed");
 
     // A new size: the window takes it, with a texture of the new size that
     // shows the whole new picture, the corner moved out to the new corner.

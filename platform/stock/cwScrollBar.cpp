@@ -13,7 +13,7 @@ cwScrollBar::cwScrollBar(bool vertical)
     : Widget(vertical ? "cwVScrollBar" : "cwHScrollBar"), vertical_(vertical) {}
 
 void cwScrollBar::setValue(int v) {
-  v = std::clamp(v, Min, std::max(Min, Max));
+  v = std::clamp(v, Min(), std::max(Min(), Max()));
   if (v == value_) return;
   value_ = v;
   Refresh();

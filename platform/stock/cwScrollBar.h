@@ -13,10 +13,11 @@ namespace qds {
 class cwScrollBar : public Widget {
  public:
   explicit cwScrollBar(bool vertical);
-  int Min = 0;
-  int Max = 100;
+  // A new range holds the value inside it, and the thumb is drawn anew.
+  Property<int> Min{*this, 0, [this] { setValue(value_); }};
+  Property<int> Max{*this, 100, [this] { setValue(value_); }};
   int SmallChange = 1;
-  int LargeChange = 10;
+  Property<int> LargeChange{*this, 10};
   int Value() const { return value_; }
   void setValue(int v);  // held to Min..Max
   std::function<void()> Change;

@@ -201,6 +201,12 @@ TEST(StockWidgets, ScrollBarsMoveByArrowTrackThumbAndWheelWithinTheirRange) {
   EXPECT_EQ(bar.Value(), 97);
   bar.setValue(-5);
   EXPECT_EQ(bar.Value(), 0);
+  // A narrower range takes the value with it, and the bar is drawn anew.
+  bar.setValue(80);
+  ui.Root().DoEvents();
+  bar.Max = 50;
+  EXPECT_EQ(bar.Value(), 50);
+  EXPECT_TRUE(form.Dirty());
   bar.Max = -3;  // an empty range holds the value at Min
   bar.setValue(7);
   EXPECT_EQ(bar.Value(), 0);

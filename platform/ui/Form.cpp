@@ -101,6 +101,13 @@ void cfForm::Show() {
   if (PlatformRoot* root = PlatformRoot::Current()) root->FormShown(*this);
 }
 
+void cfForm::Hide() {
+  if (!showing_) return;
+  HideToolTip();
+  showing_ = false;
+  if (PlatformRoot* root = PlatformRoot::Current()) root->FormClosed(*this);
+}
+
 void cfForm::setIconKey(const std::string& key) {
   iconKey_ = key;
   if (PlatformRoot* root = PlatformRoot::Current(); root && showing_) root->Backend().FormIconChanged(*this);

@@ -39,6 +39,9 @@ class cfForm : public Widget {
   // top DragRegionHeight units where no widget takes the mouse.
   bool Borderless = false;
   double DragRegionHeight = 0;
+  // Opens at Left and Top (screen pixels) instead of where the desktop
+  // would put it: a tool window placed by the code that opens it.
+  bool OwnPosition = false;
   // The user may change the size: by the desktop's frame, or, borderless,
   // by dragging the outer kResizeBorder pixels. Never below the minimum.
   bool Sizable = false;
@@ -51,6 +54,9 @@ class cfForm : public Widget {
   void setState(WindowState state);
 
   void Show();
+  // Takes the window off the screen without asking or unloading anything;
+  // Show brings it back as it was.
+  void Hide();
   // Asks Form_QueryUnload; on yes runs Form_Unload and closes.
   bool Close(int unloadMode = UnloadMode::Code);
   bool Showing() const { return showing_; }

@@ -65,6 +65,7 @@ void PlatformRoot::FormShown(cfForm& form) {
 }
 
 void PlatformRoot::FormClosed(cfForm& form) {
+  if (lastPressed_ == &form) lastPressed_ = nullptr;
   forms_.erase(std::remove(forms_.begin(), forms_.end(), &form), forms_.end());
   backend_->FormClosed(form);
 }
@@ -135,6 +136,10 @@ void PlatformRoot::Dispatch(const UiEvent& e) {
         break;
       }
     }
+  }
+  if (e.type == UiEvent::Type::MouseDown || e.type == UiEvent::Type::DblClick) {
+    lastPressed_ = f;
+    lastPressEvent_ = eventNumber_;
   }
   if (e.type == UiEvent::Type::MouseDown && f->disabledByModal_) {
     // A click on a window under a modal dialog shows the user the dialog.

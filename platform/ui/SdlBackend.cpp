@@ -228,11 +228,12 @@ void SdlBackend::FormShown(cfForm& form) {
   Window w;
   w.w = std::max(1, static_cast<int>(std::lround(form.Width() * form.Zoom())));
   w.h = std::max(1, static_cast<int>(std::lround(form.Height() * form.Zoom())));
-  // Pop-ups go exactly where their owner puts them, without a frame; the
+  // Pop-ups and tool windows go exactly where their owner puts them; the
   // others open in the middle of the screen.
   const bool popUp = form.PopUp;
-  const int x = popUp ? static_cast<int>(std::lround(form.Left())) : SDL_WINDOWPOS_CENTERED;
-  const int y = popUp ? static_cast<int>(std::lround(form.Top())) : SDL_WINDOWPOS_CENTERED;
+  const bool placed = popUp || form.OwnPosition;
+  const int x = placed ? static_cast<int>(std::lround(form.Left())) : SDL_WINDOWPOS_CENTERED;
+  const int y = placed ? static_cast<int>(std::lround(form.Top())) : SDL_WINDOWPOS_CENTERED;
   // A frameless form sizes itself by its borders; a framed one lets the desktop do it.
   w.window = SDL_CreateWindow(form.Caption.c_str(), x, y, w.w, w.h,
                               popUp ? SDL_WINDOW_SHOWN | SDL_WINDOW_BORDERLESS | SDL_WINDOW_POPUP_MENU

@@ -25,11 +25,11 @@ bool VisitShown(Widget& w, Visit visit) {
 
 }  // namespace
 
-Widget* DefaultButtonOf(Widget& root, bool cancel) {
-  Widget* found = nullptr;
+cwButton* DefaultButtonOf(Widget& root, bool cancel) {
+  cwButton* found = nullptr;
   VisitShown(root, [&](Widget& w) {
-    const auto* button = dynamic_cast<cwButton*>(&w);
-    if (button && (cancel ? button->Cancel : button->Default)) found = &w;
+    auto* button = dynamic_cast<cwButton*>(&w);
+    if (button && (cancel ? button->Cancel : button->Default)) found = button;
     return found != nullptr;
   });
   return found;
@@ -132,7 +132,7 @@ void cfToolDialog::Form_BubblingEvent(Widget& source, const std::string& name,
 
 bool cfToolDialog::Form_KeyDown(int keyCode, int) {
   if (keyCode != Key::Return && keyCode != Key::Escape) return false;
-  if (auto* button = static_cast<cwButton*>(DefaultButtonOf(*this, keyCode == Key::Escape))) {
+  if (cwButton* button = DefaultButtonOf(*this, keyCode == Key::Escape)) {
     button->Press();
   } else if (keyCode == Key::Escape) {
     Close();

@@ -17,6 +17,7 @@
 
 namespace qds {
 
+class cwButton;
 class cwModalBg;
 
 // What a tool dialog answers; the hosted widget may answer others.
@@ -65,6 +66,6 @@ class cfToolDialog : public cfForm {
 
 // A shown button of the hosted tree marked Default (or Cancel); none when
 // there is no such button.
-Widget* DefaultButtonOf(Widget& root, bool cancel);
+cwButton* DefaultButtonOf(Widget& root, bool cancel);
 
 }  // namespace qds

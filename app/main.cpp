@@ -7,7 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "app/AppContext.h"
+#include "app/modStartup.h"
 #include "app/ui/DemoWidgetsForm.h"
+#include "app/ui/modMessages.h"
 #include "cli/CommandLine.h"
 #include "cli/CommandOptions.h"
 #include "platform/Error.h"
@@ -78,6 +81,12 @@ int Studio(const std::vector<std::string>& args) {
       backend = std::make_unique<qds::HeadlessBackend>();
     }
     qds::PlatformRoot root{std::move(backend)};
+    // The settings and texts the message boxes need; without a library the
+    // demonstration still runs, and errors are printed instead of shown.
+    std::string folder = appDir;
+    while (folder.size() > 1 && folder.back() == '/') folder.pop_back();
+    qds::ScopedAppContext app(folder);
+    if (qds::OpenSettingsAndTexts(*app)) qds::InstallErrorMessages();
     qds::SvgRenderer renderer;
     qds::ImageList images(renderer);
     images.AddFromFile(appDir + "DocAndImages/Quillaron.svg", "Logo", 128, 128);

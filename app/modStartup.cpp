@@ -94,6 +94,18 @@ bool InitGlobals(AppContext& app) {
   return true;
 }
 
+bool OpenSettingsAndTexts(AppContext& app) {
+  try {
+    OpenDatabases(app);
+    if (CheckLibrary(app)) return false;
+    app.Config = std::make_unique<cConfig>(app.Cnn, app.AppPath);
+    OpenTexts(app);
+    return true;
+  } catch (const AppError&) {
+    return false;
+  }
+}
+
 void AddBasePatterns(AppContext& app) {
   SurfacePtr tile = DrawingSurface::Create(8, 8);
   {

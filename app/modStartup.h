@@ -18,6 +18,11 @@ struct AppContext;
 // be used.
 bool InitGlobals(AppContext& app);
 
+// Both databases, the settings and the texts, and nothing of the library's
+// content: what windows that ask and report need. False, quietly, when the
+// library cannot be used.
+bool OpenSettingsAndTexts(AppContext& app);
+
 void AddBasePatterns(AppContext& app);
 void AddQuillaronShapes(AppContext& app);
 void AddResourceSVGs(AppContext& app, std::int64_t iconColor);

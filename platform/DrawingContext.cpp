@@ -441,6 +441,18 @@ TextSize DrawingContext::MeasureText(std::string_view text) const {
           static_cast<double>(logical.height) / PANGO_SCALE};
 }
 
+TextSize DrawingContext::MeasureText(std::string_view text, double width) const {
+  GObjectPtr<PangoLayout> layout(MakeLayout(cr_, fontName_, fontSize_, bold_, italic_, underline_, text));
+  if (wordWrap_ && width > 0) {
+    pango_layout_set_width(layout.p, static_cast<int>(width * PANGO_SCALE));
+    pango_layout_set_wrap(layout.p, PANGO_WRAP_WORD_CHAR);
+  }
+  PangoRectangle logical;
+  pango_layout_get_extents(layout.p, nullptr, &logical);
+  return {static_cast<double>(logical.width) / PANGO_SCALE,
+          static_cast<double>(logical.height) / PANGO_SCALE};
+}
+
 std::vector<std::string> InstalledFontFamilies() {
   PangoFontFamily** families = nullptr;
   int n = 0;

@@ -125,6 +125,8 @@ class DrawingContext {
   void TextPath(double x, double y, double w, double h, std::string_view text, bool singleLine = true,
                 int hAlign = TextAlign::Left, int vAlign = TextAlign::Top, int underlinedAt = -1);
   TextSize MeasureText(std::string_view text) const;
+  // As DrawText lays it out in a box `width` wide: wrapped when word wrap is on.
+  TextSize MeasureText(std::string_view text, double width) const;
 
   cairo_t* Native() const { return cr_; }
 

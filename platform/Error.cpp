@@ -46,11 +46,10 @@ void SetErrorReporter(ErrorReporter reporter) {
 }
 
 void ReportError(const AppError& e) {
-  const std::string message = FormatErrorMessage(e);
   if (Reporter()) {
-    Reporter()(message);
+    Reporter()(e);
   } else {
-    std::cerr << message << '\n';
+    std::cerr << FormatErrorMessage(e) << '\n';
   }
 }
 

@@ -51,9 +51,9 @@ AppError CurrentError(const std::string& source);
 
 enum class HandlerMode { Report, Silent };
 
-// Where reporting handlers send their message; the application installs its
+// Where reporting handlers send their error; the application installs its
 // message box here. Without one, the message goes to standard error.
-using ErrorReporter = std::function<void(const std::string& message)>;
+using ErrorReporter = std::function<void(const AppError& error)>;
 void SetErrorReporter(ErrorReporter reporter);
 void ReportError(const AppError& e);
 

@@ -1,5 +1,7 @@
 #include "app/ui/DemoWidgetsForm.h"
 
+#include "app/ui/cwMsgBox.h"
+#include "app/ui/modMessages.h"
 #include "platform/Bytes.h"
 #include "platform/DrawingContext.h"
 #include "platform/stock/StockDrawing.h"
@@ -10,6 +12,9 @@
 #include "platform/stock/cwScrollBar.h"
 #include "platform/stock/cwTree.h"
 #include "platform/ui/PlatformRoot.h"
+#include "widgets/cfToolDialog.h"
+#include "widgets/cfToolPopUp.h"
+#include "widgets/cwModalBg.h"
 
 namespace qds {
 
@@ -21,6 +26,7 @@ class DemoTypedLine : public Widget {
  public:
   DemoTypedLine() : Widget("DemoTypedLine") {
     CanFocus = true;
+    TakesText = true;
     MouseCursor = Cursor::IBeam;
   }
   std::string Text;
@@ -90,7 +96,32 @@ class DemoAskForm : public cfForm {
   }
 };
 
+// A small tool for the tool dialog: a name to type, Ok and Cancel.
+class DemoNameTool : public Widget {
+ public:
+  DemoNameTool() : Widget("DemoNameTool") {
+    auto& label = Children().Add<cwLabel>("lblName");
+    label.Caption = "Name of the layer:";
+    label.Move(12, 10, 236, 20);
+    name = &Children().Add<DemoTypedLine>("txtName");
+    name->Move(12, 34, 236, 24);
+    auto& ok = Children().Add<cwButton>("btnOk");
+    ok.Caption = "Ok";
+    ok.Default = true;
+    ok.Move(78, 70, 80, 26);
+    ok.Click = [this] { cfToolDialog::CloseWith(*this, ToolResult::Ok); };
+    auto& cancel = Children().Add<cwButton>("btnCancel");
+    cancel.Caption = "Cancel";
+    cancel.Cancel = true;
+    cancel.Move(168, 70, 80, 26);
+    cancel.Click = [this] { cfToolDialog::CloseWith(*this, ToolResult::Cancel); };
+  }
+  DemoTypedLine* name = nullptr;
+};
+
 }  // namespace
+
+DemoWidgetsForm::~DemoWidgetsForm() = default;
 
 DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   Caption = "Quillaron Design Studio: widgets";
@@ -186,6 +217,60 @@ DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   ok.Click = [this] {
     ++Clicks;
     status_->Caption = "Clicks: " + std::to_string(Clicks);
+  };
+
+  AddToolWindowButtons();
+}
+
+void DemoWidgetsForm::AddToolWindowButtons() {
+  auto& row = Children().Add<Widget>("pnlTools", "DemoToolsPanel");
+  row.Move(10, 200, 200, 22);
+  row.setBoxLayout(BoxDirection::Row, 0, 6);
+  // Screen pixels under a widget of this form, in the units the tool
+  // windows place themselves in.
+  const auto below = [this](const Widget& w, double& x, double& y) {
+    double fx, fy;
+    w.FormPosition(fx, fy);
+    const double zoom = ToolWindowZoom(this);
+    x = (ScreenX() + fx * Zoom()) / zoom;
+    y = (ScreenY() + (fy + w.Height()) * Zoom()) / zoom;
+  };
+
+  auto& tool = row.Children().Add<cwButton>("btnTool");
+  tool.Caption = "Tool…";
+  tool.setBoxHint(0, 1);
+  tool.Click = [this, below, &tool] {
+    auto widget = std::make_unique<DemoNameTool>();
+    DemoNameTool& shown = *widget;
+    cfToolDialog dialog;
+    dialog.ImageKey = "Logo";
+    double x, y;
+    below(tool, x, y);
+    int result = ToolResult::Cancel;
+    dialog.ShowWidget(std::move(widget), "Name", x, y, 260, 106, result);
+    status_->Caption = result == ToolResult::Ok ? "Tool: Ok, " + shown.name->Text : "Tool: Cancel";
+  };
+
+  auto& popUp = row.Children().Add<cwButton>("btnPopUp");
+  popUp.Caption = "Pop-up…";
+  popUp.setBoxHint(0, 1);
+  popUp.Click = [this, below, &popUp] {
+    if (!popUp_) popUp_ = std::make_unique<cfToolPopUp>();
+    auto tree = std::make_unique<cwTree>();
+    tree->setNodes({{"shapes", "Shapes", {}, {{"circle", "Circle", {}, {}}, {"star", "Star", {}, {}}}, true},
+                    {"badges", "Badges", {}, {}}});
+    double x, y;
+    below(popUp, x, y);
+    popUp_->ShowWidget(std::move(tree), x, y, 160, 120);
+  };
+
+  auto& ask = row.Children().Add<cwButton>("btnMsgBox");
+  ask.Caption = "Message…";
+  ask.setBoxHint(0, 1);
+  ask.Click = [this] {
+    const int answer =
+        ShowMsgBox("Delete the demonstration layer?", MsgStyle::YesNo, "Question", "MsgDemoAsk");
+    status_->Caption = "Message: " + std::to_string(answer);
   };
 }
 

@@ -30,6 +30,8 @@ constexpr double kUiFontSize = 9;
 void DrawFace(DrawingContext& ctx, double w, double h, std::int64_t fill, bool focused);
 // The size of a text in the interface font, outside any painting.
 TextSize MeasureUiText(const std::string& text);
+// The same text wrapped at `width`, as a word-wrapping label lays it out.
+TextSize MeasureUiText(const std::string& text, double width);
 
 // Captions mark their access key with '&' ("&Save": Alt+S); "&&" is a
 // plain '&'. The caption as shown (with, in `accessAt`, the byte index of

@@ -37,6 +37,13 @@ TextSize MeasureUiText(const std::string& text) {
   return measure.MeasureText(text);
 }
 
+TextSize MeasureUiText(const std::string& text, double width) {
+  DrawingContext measure(DrawingSurface::Create(1, 1));
+  measure.SelectFont(kUiFont, kUiFontSize, 0);
+  measure.SetWordWrap(true);
+  return measure.MeasureText(text, width);
+}
+
 std::string ShownCaption(const std::string& caption, int* accessAt) {
   std::string shown;
   if (accessAt) *accessAt = -1;

@@ -22,7 +22,13 @@ class cwButton : public Widget {
   Property<std::string> PictureKey{*this};
   bool Checkable = false;
   Property<bool> Checked{*this, false};
+  // In a dialog, Return presses the Default button and Escape the Cancel
+  // one, wherever the focus is.
+  bool Default = false;
+  bool Cancel = false;
   std::function<void()> Click;
+  // Clicks it as the mouse would: toggles a checkable one, then Click.
+  void Press();
 
   void W_Paint(DrawingContext& ctx, double w, double h) override;
   bool W_MouseDown(int button, int shift, double x, double y) override;
@@ -34,7 +40,6 @@ class cwButton : public Widget {
   void W_ReportState(WidgetState& state) const override;
 
  private:
-  void Press();
   bool pressed_ = false;
 };
 

@@ -147,6 +147,13 @@ void cfForm::TitleChanged() {
   if (PlatformRoot* root = PlatformRoot::Current(); root && showing_) root->Backend().FormTitleChanged(*this);
 }
 
+void cfForm::Hide() {
+  if (!showing_) return;
+  HideToolTip();
+  showing_ = false;
+  if (PlatformRoot* root = PlatformRoot::Current()) root->FormClosed(*this);
+}
+
 void cfForm::setIconKey(const std::string& key) {
   iconKey_ = key;
   if (PlatformRoot* root = PlatformRoot::Current(); root && showing_) root->Backend().FormIconChanged(*this);

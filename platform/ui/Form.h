@@ -82,6 +82,9 @@ class cfForm : public Widget {
   void setState(WindowState state);
 
   void Show();
+  // Takes the window off the screen without asking or unloading anything;
+  // Show brings it back as it was.
+  void Hide();
   // Asks Form_QueryUnload; on yes runs Form_Unload and closes.
   bool Close(int unloadMode = UnloadMode::Code);
   bool Showing() const { return showing_; }

@@ -65,6 +65,7 @@ void PlatformRoot::FormShown(cfForm& form) {
 }
 
 void PlatformRoot::FormClosed(cfForm& form) {
+  if (lastPressed_ == &form) lastPressed_ = nullptr;
   forms_.erase(std::remove(forms_.begin(), forms_.end(), &form), forms_.end());
   // Nothing keeps pointing at a form that has gone; shown again, it is as
   // new, under no dialog.
@@ -142,6 +143,10 @@ void PlatformRoot::Dispatch(const UiEvent& e) {
         break;
       }
     }
+  }
+  if (e.type == UiEvent::Type::MouseDown || e.type == UiEvent::Type::DblClick) {
+    lastPressed_ = f;
+    lastPressEvent_ = eventNumber_;
   }
   if (e.type == UiEvent::Type::MouseDown && f->disabledByModal_) {
     // A click on a window under a modal dialog shows the user that window's

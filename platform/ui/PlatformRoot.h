@@ -112,6 +112,10 @@ class PlatformRoot {
   // Counts the input events dispatched: tells a widget whether two things
   // happened on the same press.
   unsigned long EventNumber() const { return eventNumber_; }
+  // The form the mouse was last pressed on, and the EventNumber of that
+  // press: tells a pop-up that the user has turned to another window.
+  const cfForm* LastPressedForm() const { return lastPressed_; }
+  unsigned long LastPressEvent() const { return lastPressEvent_; }
 
   // Everything pending once: events, due timers, deferred work, painting.
   void DoEvents();
@@ -176,6 +180,8 @@ class PlatformRoot {
   int nextTimer_ = 1;
   int screenCursor_ = 0, widgetCursor_ = 32512;
   unsigned long eventNumber_ = 0;
+  const cfForm* lastPressed_ = nullptr;
+  unsigned long lastPressEvent_ = 0;
   ImageList* images_ = nullptr;
   PlatformRoot* previous_;
 };

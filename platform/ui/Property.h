@@ -20,7 +20,8 @@ class Property {
   explicit Property(Widget& owner, T value = T(), std::function<void()> changed = {})
       : owner_(owner), value_(std::move(value)), changed_(std::move(changed)) {}
   Property(const Property&) = delete;
-  Property& operator=(const Property&) = delete;
+  // Takes the other's value only; each stays with its own widget.
+  Property& operator=(const Property& other) { return *this = other.value_; }
 
   Property& operator=(T value) {
     if (value == value_) return *this;

@@ -166,6 +166,9 @@ class Widget {
   bool RefreshLocked() const { return refreshLocked_; }
 
   bool CanFocus = false;
+  // A widget that edits typed text: a dialog gives the first of these the
+  // focus as it opens, so the user can type at once.
+  bool TakesText = false;
   void SetFocus();
   bool HasFocus() const;
   void SetCapture();

@@ -8,7 +8,7 @@ using namespace qds;
 
 TEST(Error, HandlersReportOrSwallowAndTheLoopGoesOn) {
   std::vector<std::string> shown;
-  SetErrorReporter([&](const std::string& m) { shown.push_back(m); });
+  SetErrorReporter([&](const AppError& e) { shown.push_back(FormatErrorMessage(e)); });
 
   EXPECT_TRUE(RunHandler("cvIconExportView:btnExport_Click", HandlerMode::Report, [] {}));
   EXPECT_FALSE(RunHandler("cvIconExportView:btnExport_Click", HandlerMode::Report,
@@ -28,7 +28,7 @@ TEST(Error, HandlersReportOrSwallowAndTheLoopGoesOn) {
   EXPECT_EQ(shown.size(), 2u);
 
   // A reporter that fails itself does not escape the handler.
-  SetErrorReporter([](const std::string&) { throw std::runtime_error("message box gone"); });
+  SetErrorReporter([](const AppError&) { throw std::runtime_error("message box gone"); });
   EXPECT_FALSE(RunHandler("x", HandlerMode::Report, [] { Raise(1, "y"); }));
   SetErrorReporter(nullptr);
 }

@@ -24,6 +24,15 @@ class UiDriver {
     Push(qds::UiEvent::Type::MouseUp, *w.Form(), button, shift, 0, x, y);
     root_.DoEvents();
   }
+  // Queues a click without running the loop: how a test acts inside a
+  // modal dialog, whose own loop takes the events.
+  void PushClick(qds::Widget& w) {
+    double x, y;
+    Centre(w, x, y);
+    Push(qds::UiEvent::Type::MouseMove, *w.Form(), 0, 0, 0, x, y);
+    Push(qds::UiEvent::Type::MouseDown, *w.Form(), qds::Button::Left, 0, 0, x, y);
+    Push(qds::UiEvent::Type::MouseUp, *w.Form(), qds::Button::Left, 0, 0, x, y);
+  }
   // One mouse event at a device point of the form; presses use the left button.
   void Mouse(qds::cfForm& form, qds::UiEvent::Type t, double x, double y) {
     Push(t, form, t == qds::UiEvent::Type::MouseMove ? 0 : qds::Button::Left, 0, 0, x, y);
@@ -45,7 +54,8 @@ class UiDriver {
   }
   // One key press per character, as its code point.
   void Type(qds::cfForm& form, const std::string& text) {
-    for (char32_t c : qds::DecodeUtf8(text)) Push(qds::UiEvent::Type::KeyPress, form, 0, 0, static_cast<int>(c), 0, 0);
+    for (char32_t c : qds::DecodeUtf8(text))
+      Push(qds::UiEvent::Type::KeyPress, form, 0, 0, static_cast<int>(c), 0, 0);
     root_.DoEvents();
   }
   // A copy of what the form shows now; later painting leaves it alone.

@@ -16,6 +16,8 @@
 #include "platform/SvgRenderer.h"
 #include "platform/ui/Automation.h"
 #include "platform/ui/SdlBackend.h"
+#include "platform/ui/UiTheme.h"
+#include "widgets/cThemeQuillaron.h"
 
 namespace {
 
@@ -78,6 +80,7 @@ int Studio(const std::vector<std::string>& args) {
       backend = std::make_unique<qds::HeadlessBackend>();
     }
     qds::PlatformRoot root{std::move(backend)};
+    qds::SetCurrentTheme(std::make_shared<qds::cThemeQuillaron>());
     qds::SvgRenderer renderer;
     qds::ImageList images(renderer);
     images.AddFromFile(appDir + "DocAndImages/Quillaron.svg", "Logo", 128, 128);

@@ -25,7 +25,8 @@ class cwDropDown : public Widget {
   Widget& setContent(std::unique_ptr<Widget> content);
   Widget* Content() const { return content_; }
 
-  void OpenDropDown();
+  // A box built on this one readies its content here before it shows.
+  virtual void OpenDropDown();
   void CloseDropDown();
   bool IsOpen() const;
   cfForm* PopupForm() const { return popup_.get(); }
@@ -38,6 +39,12 @@ class cwDropDown : public Widget {
   bool W_MouseDown(int button, int shift, double x, double y) override;
   bool W_KeyDown(int keyCode, int shift) override;
   void W_ReportState(WidgetState& state) const override { state.caption = Caption; }
+
+ protected:
+  explicit cwDropDown(std::string typeName);
+  // The box's ThemeState, and its arrow, for boxes that paint their own text.
+  int BoxState() const;
+  void DrawBoxArrow(DrawingContext& ctx, double w, double h, int state) const;
 
  private:
   friend class DropDownPopUp;

@@ -8,7 +8,12 @@
 
 namespace qds {
 
-constexpr double kBarWidth = 16;
+namespace {
+// As thick as the theme's scrollers.
+double BarWidth() {
+  return CurrentTheme().cTheme_GetScrollerSize();
+}
+}  // namespace
 
 cwListBase::cwListBase(std::string typeName) : Widget(std::move(typeName)) {
   CanFocus = true;
@@ -25,7 +30,7 @@ void cwListBase::Layout() {
   const int hidden = ListCount() - RowsShown();
   bar_->Max = std::max(0, hidden);
   bar_->LargeChange = RowsShown();
-  bar_->Move(Width() - kBarWidth, 0, kBarWidth, Height());
+  bar_->Move(Width() - BarWidth(), 0, BarWidth(), Height());
   bar_->setVisible(hidden > 0);
   bar_->setValue(top_);
 }
@@ -61,20 +66,13 @@ void cwListBase::ScrollTo(int index) {
 void cwListBase::W_Paint(DrawingContext& ctx, double w, double h) {
   ctx.SetSourceColor(StockColor(Palette::Face));
   ctx.Paint();
-  if (bar_->Visible()) w -= kBarWidth;
+  if (bar_->Visible()) w -= BarWidth();
   for (int i = top_; i < ListCount() && (i - top_) * RowHeight < h; ++i) {
     const double y = (i - top_) * RowHeight;
-    if (i == index_) {
-      ctx.SetSourceColor(StockColor(Palette::Accent));
-      ctx.Rectangle(0, y, w, RowHeight);
-      ctx.Fill();
-    }
+    if (i == index_) DrawPart(ctx, ThemePart::Selection, 0, 0, y, w, RowHeight);
     PaintRow(ctx, i, y, w, i == index_);
   }
-  ctx.SetSourceColor(HasFocus() ? StockColor(Palette::Accent) : StockColor(Palette::Border));
-  ctx.SetLineWidth(1);
-  ctx.Rectangle(0.5, 0.5, w - 1, h - 1);
-  ctx.Stroke();
+  DrawPart(ctx, ThemePart::Frame, HasFocus() ? ThemeState::Focused : 0, 0, 0, w, h);
 }
 
 void cwListBase::PaintRow(DrawingContext& ctx, int index, double y, double w, bool) {
@@ -157,7 +155,7 @@ void cwListBase::W_ReportState(WidgetState& state) const {
 WidgetPoint cwListBase::W_RowPoint(int row) {
   // Only a row the user can see can be pointed at.
   if (row < top_ || row >= ListCount() || row >= top_ + RowsShown()) return {};
-  const double w = bar_->Visible() ? Width() - kBarWidth : Width();
+  const double w = bar_->Visible() ? Width() - BarWidth() : Width();
   return {this, w / 2, (row - top_ + 0.5) * RowHeight};
 }
 

@@ -20,6 +20,8 @@
 #include "tests/support/ScopedTheme.h"
 #include "tests/support/UiDriver.h"
 #include "widgets/cThemeQuillaron.h"
+#include "widgets/cwDropDownList.h"
+#include "widgets/cwUpDown.h"
 
 using namespace qds;
 
@@ -160,4 +162,164 @@ TEST(WidgetKit, StockWidgetsDrawInTheInstalledThemeAndTheStudioThemeFollowsTheDe
   EXPECT_EQ(l.face, Opaque(0x555555));
   EXPECT_EQ(l.listBack, Opaque(0x555555));
   EXPECT_EQ(l.barWidth, 15);
+}
+
+namespace {
+
+DataRows NamedRows(int count) {
+  DataRows rows;
+  for (int i = 0; i < count; ++i)
+    rows.push_back({"r" + std::to_string(i), {{"Name", "Row " + std::to_string(i)}}});
+  return rows;
+}
+
+// Clicks where a widget says one of its parts is, on whichever form shows it.
+void ClickPoint(UiDriver& ui, const WidgetPoint& p) {
+  ASSERT_NE(p.widget, nullptr);
+  double x, y;
+  p.widget->FormPosition(x, y);
+  cfForm& form = *p.widget->Form();
+  ui.Mouse(form, UiEvent::Type::MouseMove, (x + p.x) * form.Zoom(), (y + p.y) * form.Zoom());
+  ui.ClickAt(form, (x + p.x) * form.Zoom(), (y + p.y) * form.Zoom());
+}
+
+}  // namespace
+
+TEST(WidgetKit, ADropDownListTakesARowByClickOrReturnKeepsItOnEscapeAndStepsWhenClosed) {
+  UiDriver ui;
+  Host form;
+  form.Move(100, 50, 300, 200);
+  auto& list = form.Children().Add<cwDropDownList>("ddl");
+  list.Move(10, 10, 150, 24);
+  int clicks = 0;
+  list.Click = [&] { ++clicks; };
+  form.Show();
+
+  // No rows: nothing chosen, nothing to open.
+  WidgetState state;
+  list.W_ReportState(state);
+  EXPECT_EQ(state.text, "");
+  EXPECT_EQ(state.listIndex, -1);
+  ui.Click(list);
+  EXPECT_FALSE(list.IsPopup());
+
+  list.SetDataSource(NamedRows(15), "Name", "Shapes");
+  EXPECT_EQ(list.ListCount(), 15);
+  EXPECT_EQ(list.Text(), "");
+  ui.Click(list);
+  ASSERT_TRUE(list.IsPopup());
+  // Under the box, twelve rows high; the rest scroll.
+  EXPECT_EQ(list.PopupForm()->Top(), 50 + 10 + 24);
+  EXPECT_EQ(list.PopupForm()->Height(), 12 * 20);
+  ui.Press(form, Key::Down);
+  ui.Press(form, Key::Escape);
+  EXPECT_FALSE(list.IsPopup());
+  EXPECT_EQ(list.ListIndex(), -1);
+  ui.Click(list);
+  ui.Press(form, Key::Down);
+  ui.Press(form, Key::Down);
+  ui.Press(form, Key::Return);
+  EXPECT_FALSE(list.IsPopup());
+  EXPECT_EQ(list.Text(), "Row 1");
+  EXPECT_EQ(clicks, 1);
+
+  // A click on a row takes it; one scrolled out of sight is scrolled to.
+  ui.Click(list);
+  EXPECT_EQ(list.W_ItemPoint("r99").widget, nullptr);
+  ClickPoint(ui, list.W_ItemPoint("r3"));
+  EXPECT_EQ(list.Text(), "Row 3");
+  ui.Click(list);
+  ClickPoint(ui, list.W_ItemPoint("r14"));
+  EXPECT_EQ(list.SelectedKey(), "r14");
+  EXPECT_EQ(clicks, 3);
+  // The row that was chosen already: no news, unless asked for always.
+  ui.Click(list);
+  ClickPoint(ui, list.W_ItemPoint("r14"));
+  EXPECT_EQ(clicks, 3);
+  list.DoEventClickAlways = true;
+  ui.Click(list);
+  ClickPoint(ui, list.W_ItemPoint("r14"));
+  EXPECT_EQ(clicks, 4);
+  EXPECT_EQ(list.W_ItemPoint("r14").widget, nullptr);  // closed: no rows to point at
+
+  // Closed, the wheel and the keys step one row, and stop at the ends.
+  ui.Wheel(form, 1, 50, 20);
+  EXPECT_EQ(list.Text(), "Row 13");
+  ui.Press(form, Key::Down);
+  ui.Press(form, Key::Down);
+  EXPECT_EQ(list.Text(), "Row 14");
+  ui.Press(form, Key::Up);
+  EXPECT_EQ(list.ListIndex(), 13);
+  EXPECT_EQ(clicks, 7);
+  EXPECT_EQ(std::count(form.events.begin(), form.events.end(), "ddl:Click"), 7);
+
+  // New rows keep the chosen one by its key.
+  DataRows fewer = NamedRows(15);
+  fewer.erase(fewer.begin(), fewer.begin() + 10);
+  list.SetDataSource(fewer, "Name");
+  EXPECT_EQ(list.ListIndex(), 3);
+  EXPECT_EQ(list.Text(), "Row 13");
+  state = {};
+  list.W_ReportState(state);
+  ASSERT_TRUE(state.items);
+  EXPECT_EQ(state.items->size(), 5u);
+  EXPECT_EQ(state.items->at(3).key, "r13");
+  EXPECT_EQ(state.items->at(3).caption, "Row 13");
+
+  // A list of fonts shows each in its own face.
+  list.SetDataSource({{"serif", {{"Name", "DejaVu Serif"}}}}, "Name");
+  list.setListIndex(0);
+  const SurfacePtr plain = ui.Screenshot(form);
+  list.IsFontSelection = true;
+  const SurfacePtr inFont = ui.Screenshot(form);
+  int differ = 0;
+  for (int x = 10; x < 160; ++x) {
+    for (int y = 10; y < 34; ++y) differ += !(PixelAt(plain, x, y) == PixelAt(inFont, x, y));
+  }
+  EXPECT_GT(differ, 20);
+}
+
+TEST(WidgetKit, AnUpDownStepsThroughItsRowsByArrowsWheelAndKeys) {
+  UiDriver ui;
+  Host form;
+  form.Move(0, 0, 200, 100);
+  auto& spin = form.Children().Add<cwUpDown>("upd");
+  spin.Move(10, 10, 80, 24);
+  int changes = 0, released = 0;
+  spin.Change = [&] { ++changes; };
+  spin.MouseUp = [&] { ++released; };
+  form.Show();
+  ui.Root().DoEvents();
+  EXPECT_EQ(spin.DataIndex(), -1);
+  EXPECT_EQ(spin.DataValue(), "");
+
+  spin.SetDataSource({{"s16", {{"Size", 16}}}, {"s24", {{"Size", 24}}}, {"s32", {{"Size", 32}}}}, "Size");
+  EXPECT_EQ(spin.DataValue(), "16");
+  ClickPoint(ui, spin.W_ItemPoint("up"));  // already at the first row
+  EXPECT_EQ(changes, 0);
+  EXPECT_EQ(released, 1);
+  ClickPoint(ui, spin.W_ItemPoint("down"));
+  EXPECT_EQ(spin.DataIndex(), 1);
+  EXPECT_EQ(spin.DataKey(), "s24");
+  EXPECT_EQ(released, 2);
+  // One row per notch, over the text or over the bar alike.
+  ui.Wheel(form, -1, 20, 20);
+  EXPECT_EQ(spin.DataValue(), "32");
+  ui.Wheel(form, 1, 85, 20);
+  EXPECT_EQ(spin.DataValue(), "24");
+  ui.Press(form, Key::Up);
+  EXPECT_EQ(spin.DataValue(), "16");
+  EXPECT_EQ(changes, 4);
+  EXPECT_EQ(std::count(form.events.begin(), form.events.end(), "upd:Change"), 4);
+  EXPECT_EQ(std::count(form.events.begin(), form.events.end(), "upd:MouseUp"), 2);
+
+  // Fewer rows hold the row shown inside them.
+  spin.setDataIndex(2);
+  spin.SetDataSource({{"a", {{"Size", 8}}}, {"b", {{"Size", 12}}}}, "Size");
+  EXPECT_EQ(spin.DataIndex(), 1);
+  EXPECT_EQ(spin.DataValue(), "12");
+  WidgetState state;
+  spin.W_ReportState(state);
+  EXPECT_EQ(state.text, "12");
+  EXPECT_EQ(state.max, 1);
 }

@@ -21,6 +21,8 @@
 #include "tests/support/UiDriver.h"
 #include "widgets/cThemeQuillaron.h"
 #include "widgets/cwDropDownList.h"
+#include "widgets/cwProgressBar.h"
+#include "widgets/cwSlider.h"
 #include "widgets/cwUpDown.h"
 
 using namespace qds;
@@ -322,4 +324,142 @@ TEST(WidgetKit, AnUpDownStepsThroughItsRowsByArrowsWheelAndKeys) {
   spin.W_ReportState(state);
   EXPECT_EQ(state.text, "12");
   EXPECT_EQ(state.max, 1);
+}
+
+TEST(WidgetKit, ASliderTakesItsValueFromTheTrackTheWheelAndTypingAndTellsOnlyRealChanges) {
+  UiDriver ui;
+  Host form;
+  form.Move(0, 0, 300, 100);
+  auto& slider = form.Children().Add<cwSlider>("sld");
+  slider.Move(10, 10, 240, 24);
+  slider.Unit = "px";
+  int changed = 0;
+  slider.Changed = [&] { ++changed; };
+  auto& other = form.Children().Add<cwButton>("btn");
+  other.Move(10, 60, 80, 24);
+  form.Show();
+  ui.Root().DoEvents();
+
+  slider.setValue(30);
+  slider.setValue(30);
+  EXPECT_EQ(changed, 1);
+  slider.setValue(500);
+  EXPECT_EQ(slider.Value(), 100);
+  slider.setValue(-3);
+  EXPECT_EQ(slider.Value(), 0);
+  EXPECT_EQ(changed, 3);
+  EXPECT_EQ(std::count(form.events.begin(), form.events.end(), "sld:Changed"), 3);
+
+  // Where the knob of 50 is, a press makes 50; dragging past the end stops at Max.
+  slider.setValue(50);
+  const WidgetPoint half = slider.W_ItemPoint("knob");
+  slider.setValue(0);
+  ui.Mouse(form, UiEvent::Type::MouseDown, 10 + half.x, 22);
+  EXPECT_EQ(slider.Value(), 50);
+  ui.Mouse(form, UiEvent::Type::MouseMove, 290, 60);
+  EXPECT_EQ(slider.Value(), 100);
+  ui.Mouse(form, UiEvent::Type::MouseUp, 290, 60);
+  ui.Mouse(form, UiEvent::Type::MouseMove, 20, 22);
+  EXPECT_EQ(slider.Value(), 100);
+  ui.Wheel(form, -2, 40, 22);
+  EXPECT_EQ(slider.Value(), 98);
+  WidgetState state;
+  slider.W_ReportState(state);
+  EXPECT_EQ(state.text, "98 px");
+
+  // Typed digits count after a pause, each key starting it again.
+  changed = 0;
+  ClickPoint(ui, slider.W_ItemPoint("value"));
+  ASSERT_TRUE(slider.Typing());
+  ui.Type(form, "4");
+  ui.Backend().AdvanceMs(cwSlider::kTypingPauseMs - 100);
+  ui.Root().DoEvents();
+  ui.Type(form, "2");
+  ui.Backend().AdvanceMs(cwSlider::kTypingPauseMs - 100);
+  ui.Root().DoEvents();
+  EXPECT_EQ(slider.Value(), 98);
+  ui.Backend().AdvanceMs(101);
+  ui.Root().DoEvents();
+  EXPECT_EQ(slider.Value(), 42);
+  EXPECT_TRUE(slider.Typing());
+  // Return counts at once and ends the typing.
+  ui.Type(form, "7");
+  ui.Press(form, Key::Return);
+  EXPECT_FALSE(slider.Typing());
+  EXPECT_EQ(slider.Value(), 100);  // 427, held to Max
+  EXPECT_EQ(changed, 2);
+  // Escape puts back the value from before the typing, counted or not.
+  ClickPoint(ui, slider.W_ItemPoint("value"));
+  ui.Type(form, "12");
+  ui.Backend().AdvanceMs(cwSlider::kTypingPauseMs + 1);
+  ui.Root().DoEvents();
+  EXPECT_EQ(slider.Value(), 12);
+  ui.Type(form, "3");
+  ui.Press(form, Key::Escape);
+  EXPECT_FALSE(slider.Typing());
+  EXPECT_EQ(slider.Value(), 100);
+  ui.Backend().AdvanceMs(cwSlider::kTypingPauseMs * 2);
+  ui.Root().DoEvents();
+  EXPECT_EQ(slider.Value(), 100);
+  // Going to another widget counts what was typed.
+  ClickPoint(ui, slider.W_ItemPoint("value"));
+  ui.Type(form, "x5");  // only the digit is taken
+  ui.Click(other);
+  EXPECT_FALSE(slider.Typing());
+  EXPECT_EQ(slider.Value(), 5);
+}
+
+TEST(WidgetKit, AProgressBarPaintsItsFractionAndItsMarqueeRunsAcrossAndComesRound) {
+  UiDriver ui;
+  Host form;
+  form.Move(0, 0, 200, 40);
+  auto& bar = form.Children().Add<cwProgressBar>("prg");
+  bar.Move(0, 10, 200, 20);
+  bar.BorderRadius = 0;
+  form.Show();
+  const Bgra accent = Opaque(StockColor(Palette::Accent)), track = Opaque(StockColor(Palette::Border));
+  const auto at = [&](int x) { return PixelAt(ui.Screenshot(form), x, 12); };
+
+  bar.setMax(200);
+  bar.setValue(50);  // a quarter
+  bar.Caption = "Busy";
+  EXPECT_EQ(at(45), accent);
+  EXPECT_EQ(at(55), track);
+  const SurfacePtr shot = ui.Screenshot(form);
+  int ink = 0;  // the caption, in the middle
+  for (int x = 80; x < 120; ++x) {
+    for (int y = 10; y < 30; ++y) ink += PixelAt(shot, x, y).r > 0xB0;
+  }
+  EXPECT_GT(ink, 10);
+  bar.Clear();
+  EXPECT_EQ(at(45), track);
+  WidgetState state;
+  bar.W_ReportState(state);
+  EXPECT_EQ(state.caption, "");
+  EXPECT_EQ(state.value, 0);
+
+  // The marquee's block, a quarter of the width, moves a twentieth of the
+  // width each tick and comes back in from the left once it has left.
+  bar.setStyle(ProgressStyle::Marquee);
+  const auto tick = [&](int n) {
+    for (int i = 0; i < n; ++i) {
+      ui.Backend().AdvanceMs(cwProgressBar::kMarqueeIntervalMs);
+      ui.Root().DoEvents();
+    }
+  };
+  tick(10);  // the block's right edge half way: 50..100
+  EXPECT_EQ(at(45), track);
+  EXPECT_EQ(at(55), accent);
+  EXPECT_EQ(at(95), accent);
+  EXPECT_EQ(at(105), track);
+  tick(14);  // 190..240: only its left end still shows
+  EXPECT_EQ(at(185), track);
+  EXPECT_EQ(at(195), accent);
+  tick(2);  // round again: -40..10
+  EXPECT_EQ(at(5), accent);
+  EXPECT_EQ(at(15), track);
+  EXPECT_EQ(at(195), track);
+  bar.setStyle(ProgressStyle::Normal);
+  tick(5);
+  EXPECT_EQ(at(5), track);
 }

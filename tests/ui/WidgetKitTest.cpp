@@ -23,6 +23,7 @@
 #include "widgets/cwDropDownList.h"
 #include "widgets/cwProgressBar.h"
 #include "widgets/cwSlider.h"
+#include "widgets/cwToolBar.h"
 #include "widgets/cwUpDown.h"
 
 using namespace qds;
@@ -462,4 +463,92 @@ TEST(WidgetKit, AProgressBarPaintsItsFractionAndItsMarqueeRunsAcrossAndComesRoun
   bar.setStyle(ProgressStyle::Normal);
   tick(5);
   EXPECT_EQ(at(5), track);
+}
+
+TEST(WidgetKit, AToolBarItemIsSeenPressedBeforeItsClickAndItsArrowHasAClickOfItsOwn) {
+  UiDriver ui;
+  Host form;
+  form.Move(0, 0, 300, 100);
+  auto& bar = form.Children().Add<cwToolBar>("tb");
+  bar.Move(0, 0, 300, 30);
+  cwToolBarItem& open = bar.AddItem("open", "", "Open");
+  cwToolBarItem& ruler = bar.AddItem("ruler", "", "Ruler", true);
+  cwToolBarItem& exportItem = bar.AddItem("export", "", "Export", false, true);
+  std::vector<std::string> told;
+  bar.Click = [&](const std::string& key) { told.push_back("Click " + key); };
+  bar.ArrowClick = [&](const std::string& key) { told.push_back("ArrowClick " + key); };
+  bar.MouseEnter = [&](const std::string& key) { told.push_back("MouseEnter " + key); };
+  // What the user sees while the click is handled.
+  bool paintedFirst = false;
+  open.Click = [&] {
+    double x, y;
+    open.FormPosition(x, y);
+    paintedFirst = !form.Dirty() && PixelAt(form.Surface(), static_cast<int>(x) + 4,
+                                            static_cast<int>(y) + 8) == Opaque(StockColor(Palette::Accent));
+  };
+  form.Show();
+  ui.Root().DoEvents();
+  const auto settle = [&] {
+    ui.Backend().AdvanceMs(cwToolBarItem::kDecoupleMs);
+    ui.Root().DoEvents();
+  };
+
+  // In a row, each as long as its caption wants, all as high as the bar.
+  EXPECT_EQ(ruler.Left(), open.Left() + open.Width() + 2);
+  EXPECT_EQ(open.Height(), 26);
+  EXPECT_EQ(open.ToolTip, "Open");
+
+  ui.Click(open);
+  EXPECT_EQ(told, std::vector<std::string>{"MouseEnter open"});  // not yet: the pressed look first
+  settle();
+  EXPECT_TRUE(paintedFirst);
+  EXPECT_EQ(told, (std::vector<std::string>{"MouseEnter open", "Click open"}));
+  // Once told, it no longer looks pressed.
+  EXPECT_NE(PixelAt(ui.Screenshot(form), static_cast<int>(open.Left()) + 4, 8),
+            Opaque(StockColor(Palette::Accent)));
+
+  // A check item toggles with each click.
+  ui.Click(ruler);
+  settle();
+  EXPECT_TRUE(ruler.Checked);
+  ui.Click(ruler);
+  settle();
+  EXPECT_FALSE(ruler.Checked);
+
+  // The arrow at the right end of an item has its own click; the rest of it the plain one.
+  told.clear();
+  const double arrowX = exportItem.Left() + exportItem.Width() - cwToolBarItem::kArrowWidth / 2;
+  ui.Mouse(form, UiEvent::Type::MouseMove, arrowX, 15);
+  ui.ClickAt(form, arrowX, 15);
+  settle();
+  ClickPoint(ui, bar.W_ItemPoint("export"));
+  settle();
+  EXPECT_EQ(told, (std::vector<std::string>{"MouseEnter export", "ArrowClick export", "Click export"}));
+  // Let go off the item: nothing.
+  ui.Mouse(form, UiEvent::Type::MouseDown, arrowX, 15);
+  ui.Mouse(form, UiEvent::Type::MouseUp, 150, 80);
+  settle();
+  EXPECT_EQ(told.size(), 3u);
+  EXPECT_EQ(std::count(form.events.begin(), form.events.end(), "export:ArrowClick"), 1);
+  EXPECT_EQ(std::count(form.events.begin(), form.events.end(), "tb:ArrowClick export"), 1);
+  EXPECT_EQ(std::count(form.events.begin(), form.events.end(), "tb:Click ruler"), 2);
+
+  WidgetState state;
+  ruler.Checked = true;
+  exportItem.setEnabled(false);
+  bar.W_ReportState(state);
+  ASSERT_TRUE(state.items);
+  ASSERT_EQ(state.items->size(), 3u);
+  EXPECT_EQ(state.items->at(1).key, "ruler");
+  EXPECT_TRUE(state.items->at(1).checked);
+  EXPECT_EQ(state.items->at(2).caption, "Export");
+  EXPECT_FALSE(state.items->at(2).enabled);
+
+  // Standing up, the items go one under another.
+  bar.Move(0, 0, 60, 100);
+  bar.setVertical(true);
+  ui.Root().DoEvents();
+  EXPECT_EQ(ruler.Left(), open.Left());
+  EXPECT_EQ(ruler.Top(), open.Top() + open.Height() + 2);
+  EXPECT_EQ(open.Width(), 56);
 }

@@ -32,7 +32,6 @@ class cwToolBar : public Widget {
   std::function<void(const std::string& key)> ArrowClick;
   std::function<void(const std::string& key)> MouseEnter;
 
-  void W_Resize() override { Arrange(); }
   void W_Paint(DrawingContext& ctx, double w, double h) override;
   void W_BubblingEvent(Widget& source, const std::string& name, const std::vector<Value>& args) override;
   void W_ReportState(WidgetState& state) const override;

@@ -156,7 +156,11 @@ void cwDropDownList::W_ReportState(WidgetState& state) const {
 
 WidgetPoint cwDropDownList::W_ItemPoint(const std::string& key) {
   const int index = IndexOfKey(key);
-  if (!IsOpen() || index < 0) return {};
+  return index >= 0 ? W_RowPoint(index) : WidgetPoint{};
+}
+
+WidgetPoint cwDropDownList::W_RowPoint(int index) {
+  if (!IsOpen() || index < 0 || index >= ListCount()) return {};
   WidgetPoint p = list_->W_RowPoint(index);
   if (!p.widget) {
     // Scrolled out of sight: the list shows it, as a user would scroll to it.

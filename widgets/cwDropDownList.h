@@ -50,7 +50,8 @@ class cwDropDownList : public cwDropDown {
   bool W_MouseWheel(int delta, int shift, double x, double y) override;
   bool W_KeyDown(int keyCode, int shift) override;
   void W_ReportState(WidgetState& state) const override;
-  // A row of the open list by its key.
+  // A row of the open list, by its number or its key.
+  WidgetPoint W_RowPoint(int row) override;
   WidgetPoint W_ItemPoint(const std::string& key) override;
 
  private:

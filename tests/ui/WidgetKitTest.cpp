@@ -232,17 +232,20 @@ TEST(WidgetKit, ADropDownListTakesARowByClickOrReturnKeepsItOnEscapeAndStepsWhen
   ClickPoint(ui, list.W_ItemPoint("r3"));
   EXPECT_EQ(list.Text(), "Row 3");
   ui.Click(list);
+  ClickPoint(ui, list.W_RowPoint(4));
+  EXPECT_EQ(list.Text(), "Row 4");
+  ui.Click(list);
   ClickPoint(ui, list.W_ItemPoint("r14"));
   EXPECT_EQ(list.SelectedKey(), "r14");
-  EXPECT_EQ(clicks, 3);
+  EXPECT_EQ(clicks, 4);
   // The row that was chosen already: no news, unless asked for always.
   ui.Click(list);
   ClickPoint(ui, list.W_ItemPoint("r14"));
-  EXPECT_EQ(clicks, 3);
+  EXPECT_EQ(clicks, 4);
   list.DoEventClickAlways = true;
   ui.Click(list);
   ClickPoint(ui, list.W_ItemPoint("r14"));
-  EXPECT_EQ(clicks, 4);
+  EXPECT_EQ(clicks, 5);
   EXPECT_EQ(list.W_ItemPoint("r14").widget, nullptr);  // closed: no rows to point at
 
   // Closed, the wheel and the keys step one row, and stop at the ends.
@@ -253,8 +256,8 @@ TEST(WidgetKit, ADropDownListTakesARowByClickOrReturnKeepsItOnEscapeAndStepsWhen
   EXPECT_EQ(list.Text(), "Row 14");
   ui.Press(form, Key::Up);
   EXPECT_EQ(list.ListIndex(), 13);
-  EXPECT_EQ(clicks, 7);
-  EXPECT_EQ(std::count(form.events.begin(), form.events.end(), "ddl:Click"), 7);
+  EXPECT_EQ(clicks, 8);
+  EXPECT_EQ(std::count(form.events.begin(), form.events.end(), "ddl:Click"), 8);
 
   // New rows keep the chosen one by its key.
   DataRows fewer = NamedRows(15);

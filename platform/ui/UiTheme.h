@@ -52,7 +52,7 @@ class UiTheme {
   // The thickness of the scroll bars widgets show beside their content.
   virtual double cTheme_GetScrollerSize() const = 0;
   virtual void cTheme_DrawTo(DrawingContext& ctx, ThemePart part, int state, double x, double y, double w,
-                             double h, int direction = ArrowDirection::Down) const = 0;
+                             double h, int direction) const = 0;
 };
 
 // The theme of the program.

@@ -19,6 +19,8 @@
 #include "platform/SvgRenderer.h"
 #include "platform/ui/Automation.h"
 #include "platform/ui/SdlBackend.h"
+#include "platform/ui/UiTheme.h"
+#include "widgets/cThemeQuillaron.h"
 
 namespace {
 
@@ -87,6 +89,7 @@ int Studio(const std::vector<std::string>& args) {
     while (folder.size() > 1 && folder.back() == '/') folder.pop_back();
     qds::ScopedAppContext app(folder);
     if (qds::OpenSettingsAndTexts(*app)) qds::InstallErrorMessages();
+    qds::SetCurrentTheme(std::make_shared<qds::cThemeQuillaron>());
     qds::SvgRenderer renderer;
     qds::ImageList images(renderer);
     images.AddFromFile(appDir + "DocAndImages/Quillaron.svg", "Logo", 128, 128);

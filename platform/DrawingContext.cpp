@@ -1,10 +1,12 @@
 #include "platform/DrawingContext.h"
 
 #include <cairo.h>
+#include <fontconfig/fontconfig.h>
 #include <pango/pangocairo.h>
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 #include "platform/Bytes.h"
 #include "platform/DrawingSurface.h"
@@ -464,6 +466,23 @@ std::vector<std::string> InstalledFontFamilies() {
   std::sort(names.begin(), names.end(), LessNoCase);
   names.erase(std::unique(names.begin(), names.end()), names.end());
   return names;
+}
+
+std::string DefaultSansFamily() {
+  struct PatternDeleter {
+    void operator()(FcPattern* p) const { FcPatternDestroy(p); }
+  };
+  using PatternPtr = std::unique_ptr<FcPattern, PatternDeleter>;
+  // What "fc-match sans" answers: the desktop's own choice, after its
+  // configuration's substitutions.
+  const PatternPtr wanted(FcNameParse(reinterpret_cast<const FcChar8*>("sans")));
+  if (!wanted || !FcConfigSubstitute(nullptr, wanted.get(), FcMatchPattern)) return {};
+  FcDefaultSubstitute(wanted.get());
+  FcResult result = FcResultNoMatch;
+  const PatternPtr match(FcFontMatch(nullptr, wanted.get(), &result));
+  FcChar8* family = nullptr;
+  if (!match || FcPatternGetString(match.get(), FC_FAMILY, 0, &family) != FcResultMatch || !family) return {};
+  return reinterpret_cast<const char*>(family);
 }
 
 }  // namespace qds

@@ -143,5 +143,8 @@ class DrawingContext {
 
 // Family names of the installed fonts, sorted without regard to case.
 std::vector<std::string> InstalledFontFamilies();
+// The family fontconfig gives for "sans" on this desktop; empty when it
+// finds none.
+std::string DefaultSansFamily();
 
 }  // namespace qds

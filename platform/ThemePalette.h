@@ -6,10 +6,12 @@
 
 namespace qds {
 
+constexpr int kQuillaronPaletteSize = 7;
+
 inline std::int64_t QuillaronPaletteColor(int index) {
-  static constexpr std::int64_t palette[] = {0x323232, 0xDDDDDD, 0x555555, 0x444444,
-                                             0xC38C00, 0x777777, 0x595959};
-  return index >= 0 && index < 7 ? palette[index] : 0;
+  static constexpr std::int64_t palette[kQuillaronPaletteSize] = {0x323232, 0xDDDDDD, 0x555555, 0x444444,
+                                                                  0xC38C00, 0x777777, 0x595959};
+  return index >= 0 && index < kQuillaronPaletteSize ? palette[index] : 0;
 }
 
 }  // namespace qds

@@ -14,7 +14,12 @@
 #include "platform/ui/PlatformRoot.h"
 #include "widgets/cfToolDialog.h"
 #include "widgets/cfToolPopUp.h"
+#include "widgets/cwDropDownList.h"
 #include "widgets/cwModalBg.h"
+#include "widgets/cwProgressBar.h"
+#include "widgets/cwSlider.h"
+#include "widgets/cwToolBar.h"
+#include "widgets/cwUpDown.h"
 
 namespace qds {
 
@@ -125,9 +130,9 @@ DemoWidgetsForm::~DemoWidgetsForm() = default;
 
 DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   Caption = "Quillaron Design Studio: widgets";
-  Resize(580, 250);
+  Resize(580, 324);
   Sizable = true;
-  MinWidth = 580, MinHeight = 250;
+  MinWidth = 580, MinHeight = 324;
   BackColor = StockColor(Palette::Back);
   setIconKey("Logo");
 
@@ -188,6 +193,52 @@ DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   status_->Caption = "Clicks: 0";
   status_->Move(0, 0, 0, 24);
   status_->setDock(Dock::Bottom);
+
+  // The small controls of the kit, in a band over the status bar across
+  // the whole width: a tool bar, and a row of the others under it.
+  auto& kit = Children().Add<Widget>("pnlKit", "DemoKitPanel");
+  kit.Move(0, 0, 0, 74);
+  kit.setDock(Dock::Bottom);
+  auto& tools = kit.Children().Add<cwToolBar>("tbDemo");
+  tools.Move(0, 0, 0, 30);
+  tools.setDock(Dock::Top);
+  tools.AddItem("new", "", "New");
+  tools.AddItem("open", "Logo", "Open");
+  tools.AddItem("ruler", "", "Ruler", true);
+  tools.AddItem("export", "", "Export", false, true);
+  tools.Click = [this](const std::string& key) { status_->Caption = "Tool: " + key; };
+  tools.ArrowClick = [this](const std::string& key) { status_->Caption = "Tool menu: " + key; };
+  auto& kitRow = kit.Children().Add<Widget>("pnlKitRow", "DemoKitRow");
+  kitRow.setDock(Dock::Fill);
+  kitRow.setBoxLayout(BoxDirection::Row, 10, 10);
+  auto& shapes = kitRow.Children().Add<cwDropDownList>("ddlDemo");
+  shapes.setBoxHint(150, 0);
+  shapes.SetDataSource({{"circle", {{"Name", "Circle"}}},
+                        {"square", {{"Name", "Rounded square"}}},
+                        {"star", {{"Name", "Star"}}},
+                        {"badge", {{"Name", "Badge"}}},
+                        {"border", {{"Name", "Border"}}}},
+                       "Name", "Shapes");
+  shapes.setListIndex(0);
+  shapes.Click = [this, &shapes] { status_->Caption = "Shape: " + shapes.Text(); };
+  auto& sizes = kitRow.Children().Add<cwUpDown>("updDemo");
+  sizes.setBoxHint(80, 0);
+  DataRows sizeRows;
+  for (int size : {16, 24, 32, 48, 64, 128, 256})
+    sizeRows.push_back({std::to_string(size), {{"Size", std::to_string(size) + " px"}}});
+  sizes.SetDataSource(std::move(sizeRows), "Size");
+  sizes.setDataIndex(2);
+  sizes.Change = [this, &sizes] { status_->Caption = "Size: " + sizes.DataValue(); };
+  auto& opacity = kitRow.Children().Add<cwSlider>("sldDemo");
+  opacity.setBoxHint(0, 1);
+  opacity.Unit = "%";
+  auto& progress = kitRow.Children().Add<cwProgressBar>("prgDemo");
+  progress.setBoxHint(140, 0);
+  opacity.Changed = [&opacity, &progress] {
+    progress.setValue(opacity.Value());
+    progress.Caption = FormatDouble(opacity.Value()) + " %";
+  };
+  opacity.setValue(40);
 
   // The right-hand column keeps to the right edge, and its tree takes the
   // height the drop-down and the text line leave.

@@ -1,11 +1,13 @@
 #pragma once
 // What the stock widgets share: the palette they are drawn in, the font of
-// the interface, and the pictures of the image cache.
+// the interface, and the pictures of the image cache. Colours and parts
+// come from the theme the program installed.
 
+#include <cstdint>
 #include <string>
 
 #include "platform/Drawing.h"
-#include "platform/ThemePalette.h"
+#include "platform/ui/UiTheme.h"
 
 namespace qds {
 
@@ -18,16 +20,23 @@ constexpr int Back = 0, Text = 1, Face = 2, Border = 3, Accent = 4, Disabled = 5
 }  // namespace Palette
 
 inline std::int64_t StockColor(int index) {
-  return QuillaronPaletteColor(index);
+  return ThemePaletteColor(index);
 }
 
 // The interface font, in points.
 constexpr const char* kUiFont = "DejaVu Sans";
 constexpr double kUiFontSize = 9;
 
-// The raised face of a button or box, outlined in the accent colour when
-// it has the focus.
+// The raised face of a button or box in a ThemeState, outlined in the
+// accent colour when it has the focus.
+void DrawFace(DrawingContext& ctx, double w, double h, int state);
+// The same face filled in a colour of the caller's.
 void DrawFace(DrawingContext& ctx, double w, double h, std::int64_t fill, bool focused);
+// A part as the current theme draws it.
+inline void DrawPart(DrawingContext& ctx, ThemePart part, int state, double x, double y, double w, double h,
+                     int direction = ArrowDirection::Down) {
+  CurrentTheme().cTheme_DrawTo(ctx, part, state, x, y, w, h, direction);
+}
 // The size of a text in the interface font, outside any painting.
 TextSize MeasureUiText(const std::string& text);
 // The same text wrapped at `width`, as a word-wrapping label lays it out.

@@ -22,12 +22,17 @@ void DrawPicture(DrawingContext& ctx, const std::string& key, double x, double y
   if (const SurfacePtr picture = root->Images()->Get(key)) ctx.DrawSurface(picture, x, y, w, h, Filter::Good);
 }
 
+void DrawFace(DrawingContext& ctx, double w, double h, int state) {
+  DrawPart(ctx, ThemePart::Face, state, 0, 0, w, h);
+}
+
 void DrawFace(DrawingContext& ctx, double w, double h, std::int64_t fill, bool focused) {
   ctx.SetSourceColor(fill);
   ctx.RoundedRectangle(0.5, 0.5, w - 1, h - 1, 3);
   ctx.Fill(true);
   ctx.SetLineWidth(1);
-  ctx.SetSourceColor(focused ? StockColor(Palette::Accent) : StockColor(Palette::Border));
+  ctx.SetSourceColor(CurrentTheme().cTheme_GetThemeColor(ThemePart::Frame,
+                                                         focused ? ThemeState::Focused : ThemeState::Normal));
   ctx.Stroke();
 }
 
@@ -69,13 +74,10 @@ char AccessLetter(const std::string& caption) {
 }
 
 void cwButton::W_Paint(DrawingContext& ctx, double w, double h) {
-  const bool down = pressed_ || (Checkable && Checked);
   DrawFace(ctx, w, h,
-           !EnabledInTree() ? StockColor(Palette::Back)
-           : down           ? StockColor(Palette::Accent)
-           : MouseOver()    ? StockColor(Palette::Hover)
-                            : StockColor(Palette::Face),
-           HasFocus());
+           (!EnabledInTree() ? ThemeState::Disabled : 0) | (pressed_ ? ThemeState::Pressed : 0) |
+               (Checkable && Checked ? ThemeState::Checked : 0) | (MouseOver() ? ThemeState::Hover : 0) |
+               (HasFocus() ? ThemeState::Focused : 0));
   double textLeft = 0;
   if (!PictureKey().empty()) {
     const double side = std::min(h - 6, 24.0);

@@ -28,7 +28,10 @@ class DropDownPopUp : public cfForm {
   cwDropDown* owner_;
 };
 
-cwDropDown::cwDropDown() : Widget("cwDropDown"), popup_(std::make_shared<DropDownPopUp>(*this)) {
+cwDropDown::cwDropDown() : cwDropDown("cwDropDown") {}
+
+cwDropDown::cwDropDown(std::string typeName)
+    : Widget(std::move(typeName)), popup_(std::make_shared<DropDownPopUp>(*this)) {
   CanFocus = true;
 }
 
@@ -79,13 +82,20 @@ void cwDropDown::PopupGone() {
 }
 
 void cwDropDown::W_Paint(DrawingContext& ctx, double w, double h) {
-  DrawFace(ctx, w, h, IsOpen() ? StockColor(Palette::Hover) : StockColor(Palette::Face), HasFocus());
-  ctx.SelectFont(kUiFont, kUiFontSize,
-                 EnabledInTree() ? StockColor(Palette::Text) : StockColor(Palette::Disabled));
+  const int state = BoxState();
+  DrawFace(ctx, w, h, state);
+  ctx.SelectFont(kUiFont, kUiFontSize, CurrentTheme().cTheme_GetThemeColor(ThemePart::Text, state));
   ctx.DrawText(6, 0, w - h - 6, h, Caption, true, TextAlign::Left, TextAlign::Middle);
-  // The arrow.
-  ctx.MoveTo(w - h * 0.7, h * 0.4), ctx.LineTo(w - h * 0.3, h * 0.4), ctx.LineTo(w - h / 2, h * 0.62);
-  ctx.Fill();
+  DrawBoxArrow(ctx, w, h, state);
+}
+
+int cwDropDown::BoxState() const {
+  return (IsOpen() ? ThemeState::Hover : 0) | (HasFocus() ? ThemeState::Focused : 0) |
+         (EnabledInTree() ? 0 : ThemeState::Disabled);
+}
+
+void cwDropDown::DrawBoxArrow(DrawingContext& ctx, double w, double h, int state) const {
+  DrawPart(ctx, ThemePart::Arrow, state, w - h * 0.7, h * 0.4, h * 0.4, h * 0.22, ArrowDirection::Down);
 }
 
 bool cwDropDown::W_MouseDown(int button, int, double, double) {

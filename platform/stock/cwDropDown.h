@@ -25,7 +25,8 @@ class cwDropDown : public Widget {
   Widget& setContent(std::unique_ptr<Widget> content);
   Widget* Content() const { return content_; }
 
-  void OpenDropDown();
+  // A box built on this one readies its content here before it shows.
+  virtual void OpenDropDown();
   void CloseDropDown();
   bool IsOpen() const;
   cfForm* PopupForm() const { return popup_.get(); }
@@ -41,6 +42,12 @@ class cwDropDown : public Widget {
   // Rows and items of the content, while it shows.
   WidgetPoint W_RowPoint(int row) override;
   WidgetPoint W_ItemPoint(const std::string& key) override;
+
+ protected:
+  explicit cwDropDown(std::string typeName);
+  // The box's ThemeState, and its arrow, for boxes that paint their own text.
+  int BoxState() const;
+  void DrawBoxArrow(DrawingContext& ctx, double w, double h, int state) const;
 
  private:
   friend class DropDownPopUp;

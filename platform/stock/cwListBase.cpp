@@ -51,20 +51,13 @@ void cwListBase::PaintContent(DrawingContext& ctx, double x, double y, double w,
   const int first = std::max(0, static_cast<int>(y / RowHeight));
   for (int i = first; i < ListCount() && i * RowHeight < y + h; ++i) {
     const double top = i * RowHeight;
-    if (i == index_) {
-      ctx.SetSourceColor(StockColor(Palette::Accent));
-      ctx.Rectangle(0, top, w, RowHeight);
-      ctx.Fill();
-    }
+    if (i == index_) DrawPart(ctx, ThemePart::Selection, 0, 0, top, w, RowHeight);
     PaintRow(ctx, i, top, w, i == index_);
   }
 }
 
 void cwListBase::PaintView(DrawingContext& ctx, double w, double h) {
-  ctx.SetSourceColor(HasFocus() ? StockColor(Palette::Accent) : StockColor(Palette::Border));
-  ctx.SetLineWidth(1);
-  ctx.Rectangle(0.5, 0.5, w - 1, h - 1);
-  ctx.Stroke();
+  DrawPart(ctx, ThemePart::Frame, HasFocus() ? ThemeState::Focused : 0, 0, 0, w, h);
 }
 
 void cwListBase::PaintRow(DrawingContext& ctx, int index, double y, double w, bool) {

@@ -39,28 +39,21 @@ void cwScrollBar::Thumb(double& start, double& size) const {
 }
 
 void cwScrollBar::W_Paint(DrawingContext& ctx, double w, double h) {
-  ctx.SetSourceColor(StockColor(Palette::Border));
-  ctx.Paint();
+  const int state = EnabledInTree() ? 0 : ThemeState::Disabled;
+  DrawPart(ctx, ThemePart::ScrollerTrack, state, 0, 0, w, h);
   double start, size;
   Thumb(start, size);
-  ctx.SetSourceColor(dragging_ ? StockColor(Palette::Accent) : StockColor(Palette::Face));
-  if (vertical_) {
-    ctx.RoundedRectangle(2, start, w - 4, size, 3);
-  } else {
-    ctx.RoundedRectangle(start, 2, size, h - 4, 3);
-  }
-  ctx.Fill();
-  // The two arrows.
-  ctx.SetSourceColor(StockColor(Palette::Text));
+  const int thumbState = state | (dragging_ ? ThemeState::Pressed : 0);
   const double a = Arrow();
   if (vertical_) {
-    ctx.MoveTo(w / 2, a * 0.3), ctx.LineTo(w * 0.75, a * 0.7), ctx.LineTo(w * 0.25, a * 0.7);
-    ctx.MoveTo(w / 2, h - a * 0.3), ctx.LineTo(w * 0.75, h - a * 0.7), ctx.LineTo(w * 0.25, h - a * 0.7);
+    DrawPart(ctx, ThemePart::ScrollerThumb, thumbState, 0, start, w, size, ArrowDirection::Down);
+    DrawPart(ctx, ThemePart::Arrow, state, w * 0.25, a * 0.3, w * 0.5, a * 0.4, ArrowDirection::Up);
+    DrawPart(ctx, ThemePart::Arrow, state, w * 0.25, h - a * 0.7, w * 0.5, a * 0.4, ArrowDirection::Down);
   } else {
-    ctx.MoveTo(a * 0.3, h / 2), ctx.LineTo(a * 0.7, h * 0.25), ctx.LineTo(a * 0.7, h * 0.75);
-    ctx.MoveTo(w - a * 0.3, h / 2), ctx.LineTo(w - a * 0.7, h * 0.25), ctx.LineTo(w - a * 0.7, h * 0.75);
+    DrawPart(ctx, ThemePart::ScrollerThumb, thumbState, start, 0, size, h, ArrowDirection::Right);
+    DrawPart(ctx, ThemePart::Arrow, state, a * 0.3, h * 0.25, a * 0.4, h * 0.5, ArrowDirection::Left);
+    DrawPart(ctx, ThemePart::Arrow, state, w - a * 0.7, h * 0.25, a * 0.4, h * 0.5, ArrowDirection::Right);
   }
-  ctx.Fill();
 }
 
 bool cwScrollBar::W_MouseDown(int button, int, double x, double y) {

@@ -6,8 +6,13 @@
 #include "platform/DrawingContext.h"
 #include "platform/stock/StockDrawing.h"
 #include "platform/stock/cwScrollBar.h"
+#include "platform/ui/UiTheme.h"
 
 namespace qds {
+
+double cwScrollable::BarSize() {
+  return CurrentTheme().cTheme_GetScrollerSize();
+}
 
 namespace {
 
@@ -55,12 +60,12 @@ cwScrollable::cwScrollable(std::string typeName, const std::string& vBarKey, con
 void cwScrollable::NeedBars(bool& vertical, bool& horizontal) const {
   const double w = Width(), h = Height();
   vertical = Exceeds(contentH_, h);
-  horizontal = Exceeds(contentW_, vertical ? w - kBarSize : w);
+  horizontal = Exceeds(contentW_, vertical ? w - BarSize() : w);
   // The horizontal bar takes height from the view, which may then be too
   // low for the content; and that bar takes width in its turn.
   if (horizontal && !vertical) {
-    vertical = Exceeds(contentH_, h - kBarSize);
-    if (vertical) horizontal = Exceeds(contentW_, w - kBarSize);
+    vertical = Exceeds(contentH_, h - BarSize());
+    if (vertical) horizontal = Exceeds(contentW_, w - BarSize());
   }
 }
 
@@ -77,11 +82,11 @@ bool cwScrollable::HBarShown() const {
 }
 
 double cwScrollable::ViewWidth() const {
-  return std::max(0.0, Width() - (VBarShown() ? kBarSize : 0));
+  return std::max(0.0, Width() - (VBarShown() ? BarSize() : 0));
 }
 
 double cwScrollable::ViewHeight() const {
-  return std::max(0.0, Height() - (HBarShown() ? kBarSize : 0));
+  return std::max(0.0, Height() - (HBarShown() ? BarSize() : 0));
 }
 
 double cwScrollable::MaxScrollX() const {
@@ -142,8 +147,8 @@ void cwScrollable::Layout() {
   bool v, h;
   NeedBars(v, h);
   const double viewW = ViewWidth(), viewH = ViewHeight();
-  vBar_->Move(viewW, 0, std::min(kBarSize, Width()), viewH);
-  hBar_->Move(0, viewH, viewW, std::min(kBarSize, Height()));
+  vBar_->Move(viewW, 0, std::min(BarSize(), Width()), viewH);
+  hBar_->Move(0, viewH, viewW, std::min(BarSize(), Height()));
   vBar_->setVisible(v);
   hBar_->setVisible(h);
   // A larger view, or less content, may leave the offset out of its range.

@@ -30,7 +30,8 @@ class cwScrollable : public Widget {
   // The bars are children under these keys, so that scripts can name them.
   explicit cwScrollable(std::string typeName, const std::string& vBarKey = "vsbScroll",
                         const std::string& hBarKey = "hsbScroll");
-  static constexpr double kBarSize = 16;
+  // As thick as the theme's scrollers.
+  static double BarSize();
 
   // The size of the content, in logical units; a side of 0 (or anything up
   // to the view's size) never scrolls.

@@ -108,12 +108,10 @@ void cwTree::PaintRow(DrawingContext& ctx, int index, double y, double w, bool s
     // The expander: pointing right when closed, down when open.
     const double cx = x + kIndent / 2, cy = y + RowHeight / 2;
     if (node.expanded) {
-      ctx.MoveTo(cx - 4, cy - 2), ctx.LineTo(cx + 4, cy - 2), ctx.LineTo(cx, cy + 3);
+      DrawPart(ctx, ThemePart::Arrow, 0, cx - 4, cy - 2, 8, 5, ArrowDirection::Down);
     } else {
-      ctx.MoveTo(cx - 2, cy - 4), ctx.LineTo(cx + 3, cy), ctx.LineTo(cx - 2, cy + 4);
+      DrawPart(ctx, ThemePart::Arrow, 0, cx - 2, cy - 4, 5, 8, ArrowDirection::Right);
     }
-    ctx.SetSourceColor(StockColor(Palette::Text));
-    ctx.Fill();
   }
   const double textLeft = x + kIndent + 2;
   if (OwnerDraw) {

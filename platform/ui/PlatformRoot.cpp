@@ -15,6 +15,10 @@ namespace qds {
 
 namespace {
 PlatformRoot* current = nullptr;
+// A timer due this soon belongs to what the last input started (a tool bar
+// item tells its click a moment after the release): the idle handler waits
+// for it, so a script's next line sees what a user would.
+constexpr double kSettleMs = 2;
 }  // namespace
 
 PlatformRoot::PlatformRoot(std::unique_ptr<UiBackend> backend)
@@ -311,7 +315,7 @@ bool PlatformRoot::ProcessOnce(double waitMs) {
 void PlatformRoot::Idle() {
   // Only a loop that goes on calls it: a dialog closed by this turn's events
   // returns to its caller first.
-  if (!OnIdle || quitting_ || Busy() || NextTimerIn() <= 0) return;
+  if (!OnIdle || quitting_ || Busy() || NextTimerIn() <= kSettleMs) return;
   std::function<bool()> idle = OnIdle;  // it may replace itself
   idleActed_ = idle();
 }

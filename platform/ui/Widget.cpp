@@ -112,12 +112,16 @@ void Widget::setAnchors(int edges) {
 }
 
 void Widget::setBoxLayout(BoxDirection direction, double padding, double spacing) {
+  // Unchanged, it asks for nothing: a W_Resize may set it on every pass.
+  if (direction == box_ && padding == boxPadding_ && spacing == boxSpacing_) return;
   box_ = direction, boxPadding_ = padding, boxSpacing_ = spacing;
   NeedLayout();
 }
 
 void Widget::setBoxHint(double size, double stretch) {
-  boxSize_ = std::max(0.0, size), boxStretch_ = std::max(0.0, stretch);
+  size = std::max(0.0, size), stretch = std::max(0.0, stretch);
+  if (size == boxSize_ && stretch == boxStretch_) return;
+  boxSize_ = size, boxStretch_ = stretch;
   if (parent_) parent_->NeedLayout();
 }
 

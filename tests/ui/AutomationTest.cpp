@@ -161,6 +161,41 @@ close
   EXPECT_TRUE(HasForm(Load(dir, "tip.json"), "ToolTipForm"));
 }
 
+TEST(Automation, TheKitsSmallControlsAreDrivenByTheirItems) {
+  TempDir dir;
+  const ScriptRun r = RunScript(dir, R"(expect ddlDemo text Circle
+click ddlDemo
+dump open.json
+click ddlDemo item star
+expect ddlDemo text Star
+expect sbStatus caption Shape: Star
+wheel sldDemo 2
+expect sldDemo value 42
+expect prgDemo caption 42 %
+click tbDemo item ruler
+expect sbStatus caption Tool: ruler
+expect tbDemo/ruler checked true
+click tbDemo item export
+expect sbStatus caption Tool: export
+click updDemo item down
+expect updDemo text 48 px
+dump after.json
+)");
+  ASSERT_EQ(r.code, 0) << r.err;
+  // Open, the list of shapes is a pop-up of its own under the box.
+  const Json open = Load(dir, "open.json");
+  ASSERT_TRUE(HasForm(open, "DropDownPopUp"));
+  EXPECT_EQ(WidgetOf(open, "DemoWidgetsForm", "pnlKit/pnlKitRow/ddlDemo")["listCount"], 5);
+  const Json after = Load(dir, "after.json");
+  EXPECT_FALSE(HasForm(after, "DropDownPopUp"));
+  const Json tools = WidgetOf(after, "DemoWidgetsForm", "pnlKit/tbDemo")["items"];
+  ASSERT_EQ(tools.size(), 4u);
+  EXPECT_EQ(tools[2]["key"], "ruler");
+  EXPECT_EQ(tools[2]["checked"], true);
+  EXPECT_EQ(WidgetOf(after, "DemoWidgetsForm", "pnlKit/pnlKitRow/ddlDemo")["listIndex"], 2);
+  EXPECT_EQ(WidgetOf(after, "DemoWidgetsForm", "pnlKit/pnlKitRow/prgDemo")["value"], 42);
+}
+
 TEST(Automation, AFailingLineIsNamedAndNothingAfterItRuns) {
   TempDir dir;
   ScriptRun r =

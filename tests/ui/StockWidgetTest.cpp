@@ -17,8 +17,10 @@
 #include "platform/stock/cwTree.h"
 #include "tests/support/Golden.h"
 #include "tests/support/Pixels.h"
+#include "tests/support/ScopedTheme.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/UiDriver.h"
+#include "widgets/cThemeQuillaron.h"
 
 using namespace qds;
 
@@ -125,6 +127,8 @@ TEST(StockWidgets, TheDemonstrationFormWorksWithoutADisplay) {
   ImageList images(renderer);
   ASSERT_TRUE(images.AddFromFile(QDS_SOURCE_DATA "/Quillaron.svg", "Logo", 128, 128));
   ui.Root().setImages(&images);
+  // In the theme the studio installs at its start.
+  ScopedTheme theme(std::make_shared<cThemeQuillaron>());
   DemoWidgetsForm form;
   form.Show();
   // Every stock widget in its place, drawn as it was when last looked at.
@@ -155,9 +159,13 @@ TEST(StockWidgets, TheDemonstrationFormWorksWithoutADisplay) {
   EXPECT_EQ(side.Left(), 600);
   EXPECT_EQ(status.Top(), 376);
   EXPECT_EQ(status.Width(), 800);
-  EXPECT_EQ(side.Children().Item("treDemo").Height(), 138 + 150);
-  EXPECT_EQ(side.Children().Item("txtTyped").Top() + 24, 376 - 10);
-  EXPECT_EQ(form.Children().Item("vsbDemo").Height(), 200 + 150);
+  // The band of small controls keeps its height over the status bar.
+  EXPECT_EQ(side.Children().Item("treDemo").Height(), 138 + 76);
+  EXPECT_EQ(side.Children().Item("txtTyped").Top() + 24, 376 - 74 - 10);
+  EXPECT_EQ(form.Children().Item("vsbDemo").Height(), 200 + 76);
+  Widget& kit = form.Children().Item("pnlKit");
+  EXPECT_EQ(kit.Top() + kit.Height(), 376);
+  EXPECT_EQ(kit.Width(), 800);
 }
 
 TEST(StockWidgets, ScrollBarsMoveByArrowTrackThumbAndWheelWithinTheirRange) {

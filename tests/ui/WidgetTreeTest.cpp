@@ -551,3 +551,25 @@ TEST_F(Ui, ChildrenFollowTheirDockAnchorsAndBoxOncePerTurnNeverInsideAConstructo
   root.DoEvents();
   EXPECT_EQ(Rect(rest), "0,20 300x130");
 }
+
+TEST_F(Ui, AResizeHandlerThatSetsTheSameRulesAgainLetsTheLoopRest) {
+  // Sets its box and its child's hint on every pass, as a tool bar may.
+  struct Restless : Widget {
+    int passes = 0;
+    Restless() : Widget("Restless") {}
+    void W_Resize() override {
+      ++passes;
+      setBoxLayout(BoxDirection::Row, 2, 2);
+      if (Children().Count()) Children().Item(0).setBoxHint(10, 1);
+    }
+  };
+  auto& r = form.Children().Add<Restless>("restless");
+  r.Children().Add<Widget>("inner").setBoxHint(10, 1);
+  r.setBoxLayout(BoxDirection::Row, 2, 2);
+  r.Move(0, 0, 50, 20);
+  root.DoEvents();
+  root.DoEvents();
+  root.DoEvents();
+  EXPECT_EQ(r.passes, 1);
+  EXPECT_EQ(r.Children().Item(0).Width(), 46);
+}

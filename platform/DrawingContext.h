@@ -125,6 +125,11 @@ class DrawingContext {
   void TextPath(double x, double y, double w, double h, std::string_view text, bool singleLine = true,
                 int hAlign = TextAlign::Left, int vAlign = TextAlign::Top, int underlinedAt = -1);
   TextSize MeasureText(std::string_view text) const;
+  // Where a caret stands in one line of text drawn from x = 0: before each
+  // character (code point) and after the last, so one more entry than the
+  // text has characters. Measured in one layout, so kerning and clusters
+  // count as they do when the line is drawn whole.
+  std::vector<double> CaretPositions(std::string_view text) const;
 
   cairo_t* Native() const { return cr_; }
 

@@ -155,7 +155,7 @@ TEST(StockWidgets, TheDemonstrationFormWorksWithoutADisplay) {
   EXPECT_EQ(side.Left(), 600);
   EXPECT_EQ(status.Top(), 376);
   EXPECT_EQ(status.Width(), 800);
-  EXPECT_EQ(side.Children().Item("treDemo").Height(), 138 + 150);
+  EXPECT_EQ(side.Children().Item("treDemo").Height(), 88 + 150);
   EXPECT_EQ(side.Children().Item("txtTyped").Top() + 24, 376 - 10);
   EXPECT_EQ(form.Children().Item("vsbDemo").Height(), 200 + 150);
 }

@@ -157,7 +157,13 @@ const std::vector<double>& cwTextBox::Carets(int row) const {
   row = std::clamp(row, 0, RowCount() - 1);
   carets_.resize(static_cast<std::size_t>(RowCount()));
   std::vector<double>& places = carets_[static_cast<std::size_t>(row)];
-  if (places.empty()) places = Measure().CaretPositions(ShownRow(row));
+  if (places.empty()) {
+    places = Measure().CaretPositions(ShownRow(row));
+    // One place per character and one behind, even should the layout
+    // count a character the text holds (a NUL) differently.
+    const auto wanted = static_cast<std::size_t>(model_.RowEnd(row) - model_.RowStart(row) + 1);
+    places.resize(wanted, places.back());
+  }
   return places;
 }
 

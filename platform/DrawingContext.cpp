@@ -455,6 +455,31 @@ TextSize DrawingContext::MeasureText(std::string_view text, double width) const 
           static_cast<double>(logical.height) / PANGO_SCALE};
 }
 
+std::vector<double> DrawingContext::CaretPositions(std::string_view text) const {
+  GObjectPtr<PangoLayout> layout(MakeLayout(cr_, fontName_, fontSize_, bold_, italic_, underline_, text));
+  // The layout's own text: invalid input was cleaned on the way in.
+  const char* laid = pango_layout_get_text(layout.p);
+  std::vector<double> widths(static_cast<std::size_t>(g_utf8_strlen(laid, -1)), 0.0);
+  PangoLayoutLine* line = pango_layout_get_line_readonly(layout.p, 0);
+  std::vector<int> runWidths;
+  for (GSList* run = line ? line->runs : nullptr; run; run = run->next) {
+    auto* glyphs = static_cast<PangoGlyphItem*>(run->data);
+    const int count = glyphs->item->num_chars;
+    runWidths.assign(static_cast<std::size_t>(count), 0);
+    // A cluster of several characters (a ligature) shares its width evenly.
+    pango_glyph_item_get_logical_widths(glyphs, laid, runWidths.data());
+    const long first = g_utf8_pointer_to_offset(laid, laid + glyphs->item->offset);
+    for (int i = 0; i < count; ++i) {
+      const std::size_t at = static_cast<std::size_t>(first + i);
+      if (at < widths.size())
+        widths[at] = static_cast<double>(runWidths[static_cast<std::size_t>(i)]) / PANGO_SCALE;
+    }
+  }
+  std::vector<double> positions(widths.size() + 1, 0.0);
+  for (std::size_t i = 0; i < widths.size(); ++i) positions[i + 1] = positions[i] + widths[i];
+  return positions;
+}
+
 std::vector<std::string> InstalledFontFamilies() {
   PangoFontFamily** families = nullptr;
   int n = 0;

@@ -127,6 +127,11 @@ class DrawingContext {
   TextSize MeasureText(std::string_view text) const;
   // As DrawText lays it out in a box `width` wide: wrapped when word wrap is on.
   TextSize MeasureText(std::string_view text, double width) const;
+  // Where a caret stands in one line of text drawn from x = 0: before each
+  // character (code point) and after the last, so one more entry than the
+  // text has characters. Measured in one layout, so kerning and clusters
+  // count as they do when the line is drawn whole.
+  std::vector<double> CaretPositions(std::string_view text) const;
 
   cairo_t* Native() const { return cr_; }
 

@@ -18,55 +18,13 @@
 #include "widgets/cwModalBg.h"
 #include "widgets/cwProgressBar.h"
 #include "widgets/cwSlider.h"
+#include "widgets/cwTextBox.h"
 #include "widgets/cwToolBar.h"
 #include "widgets/cwUpDown.h"
 
 namespace qds {
 
 namespace {
-
-// A line of typed text: characters come in, Backspace takes the last one
-// away. Enough to show typing on the demonstration form.
-class DemoTypedLine : public Widget {
- public:
-  DemoTypedLine() : Widget("DemoTypedLine") {
-    CanFocus = true;
-    TakesText = true;
-    MouseCursor = Cursor::IBeam;
-  }
-  std::string Text;
-  void W_Paint(DrawingContext& ctx, double w, double h) override {
-    ctx.SetSourceColor(StockColor(Palette::Face));
-    ctx.Paint();
-    ctx.SetSourceColor(HasFocus() ? StockColor(Palette::Accent) : StockColor(Palette::Border));
-    ctx.SetLineWidth(1);
-    ctx.Rectangle(0.5, 0.5, w - 1, h - 1);
-    ctx.Stroke();
-    ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
-    ctx.DrawText(6, 0, w - 12, h, Text, true, TextAlign::Left, TextAlign::Middle);
-  }
-  bool W_MouseDown(int button, int, double, double) override {
-    if (button != Button::Left) return false;
-    SetFocus();
-    return true;
-  }
-  bool W_KeyPress(int keyAscii) override {
-    if (keyAscii < 32) return false;
-    Text += EncodeUtf8(static_cast<char32_t>(keyAscii));
-    Refresh();
-    return true;
-  }
-  bool W_KeyDown(int keyCode, int) override {
-    if (keyCode != Key::Back) return false;
-    // The last character, not the last byte.
-    std::u32string chars = DecodeUtf8(Text);
-    if (!chars.empty()) chars.pop_back();
-    Text = EncodeUtf8(chars);
-    Refresh();
-    return true;
-  }
-  void W_ReportState(WidgetState& state) const override { state.text = Text; }
-};
 
 // A question with Yes and No; Return says yes, Escape and the close box no.
 class DemoAskForm : public cfForm {
@@ -108,7 +66,7 @@ class DemoNameTool : public Widget {
     auto& label = Children().Add<cwLabel>("lblName");
     label.Caption = "Name of the layer:";
     label.Move(12, 10, 236, 20);
-    name = &Children().Add<DemoTypedLine>("txtName");
+    name = &Children().Add<cwTextBox>("txtName");
     name->Move(12, 34, 236, 24);
     auto& ok = Children().Add<cwButton>("btnOk");
     ok.Caption = "Ok";
@@ -121,7 +79,7 @@ class DemoNameTool : public Widget {
     cancel.Move(168, 70, 80, 26);
     cancel.Click = [this] { cfToolDialog::CloseWith(*this, ToolResult::Cancel); };
   }
-  DemoTypedLine* name = nullptr;
+  cwTextBox* name = nullptr;
 };
 
 }  // namespace
@@ -257,7 +215,13 @@ DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   drop.setBoxHint(24, 0);
   auto& folders = static_cast<cwDirList&>(drop.setContent(CreateWidget("cwDirList")));
   folders.Change = [&drop, &folders] { drop.Caption = folders.Path(); };
-  auto& typed = side.Children().Add<DemoTypedLine>("txtTyped");
+  // A multi-line box with its hint, then the single-line box scripts type into.
+  auto& notes = side.Children().Add<cwTextBox>("txtNotes");
+  notes.setMultiLine(true);
+  notes.VCenter = false;
+  notes.CueBannerText = "Notes: several lines…";
+  notes.setBoxHint(40, 0);
+  auto& typed = side.Children().Add<cwTextBox>("txtTyped");
   typed.setBoxHint(24, 0);
 
   auto& ask = Children().Add<cwButton>("btnAsk");
@@ -299,7 +263,7 @@ void DemoWidgetsForm::AddToolWindowButtons() {
     below(tool, x, y);
     int result = ToolResult::Cancel;
     dialog.ShowWidget(std::move(widget), "Name", x, y, 260, 106, result);
-    status_->Caption = result == ToolResult::Ok ? "Tool: Ok, " + shown.name->Text : "Tool: Cancel";
+    status_->Caption = result == ToolResult::Ok ? "Tool: Ok, " + shown.name->Text() : "Tool: Cancel";
   };
 
   auto& popUp = row.Children().Add<cwButton>("btnPopUp");

@@ -402,6 +402,8 @@ Json WidgetJson(const Widget& w) {
   if (s.listCount) j["listCount"] = *s.listCount;
   if (s.listIndex) j["listIndex"] = *s.listIndex;
   if (s.scrollIndex) j["scrollIndex"] = *s.scrollIndex;
+  if (s.selStart) j["selStart"] = *s.selStart;
+  if (s.selLength) j["selLength"] = *s.selLength;
   if (s.selected) j["selected"] = *s.selected;
   if (s.items) j["items"] = ItemsJson(*s.items);
   return j;

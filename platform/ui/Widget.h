@@ -48,6 +48,8 @@ struct WidgetState {
   std::optional<double> value, min, max;
   std::optional<bool> checked;
   std::optional<int> listCount, listIndex, scrollIndex;
+  // A text's selection, in characters.
+  std::optional<int> selStart, selLength;
   std::optional<std::vector<int>> selected;
   std::optional<std::vector<Item>> items;
 };

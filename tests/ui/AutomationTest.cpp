@@ -108,6 +108,9 @@ dump moved.json
   const Json typed = Load(dir, "typed.json");
   EXPECT_EQ(WidgetOf(typed, "DemoWidgetsForm", "pnlSide/txtTyped")["text"], "héllo #aB");
   EXPECT_EQ(WidgetOf(typed, "DemoWidgetsForm", "pnlSide/txtTyped")["focused"], true);
+  // The caret behind the ninth character, counted as a user counts them.
+  EXPECT_EQ(WidgetOf(typed, "DemoWidgetsForm", "pnlSide/txtTyped")["selStart"], 9);
+  EXPECT_EQ(WidgetOf(typed, "DemoWidgetsForm", "pnlSide/txtTyped")["selLength"], 0);
 
   const Json moved = Load(dir, "moved.json");
   const Json tree = WidgetOf(moved, "DemoWidgetsForm", "pnlSide/treDemo");

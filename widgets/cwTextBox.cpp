@@ -42,7 +42,9 @@ PlatformRoot* Root() {
 
 }  // namespace
 
-cwTextBox::cwTextBox() : cwScrollable("cwTextBox") {
+cwTextBox::cwTextBox() : cwTextBox("cwTextBox") {}
+
+cwTextBox::cwTextBox(std::string typeName) : cwScrollable(std::move(typeName)) {
   CanFocus = true;
   TakesText = true;  // the first of a dialog has the focus when it opens
   MouseCursor = Cursor::IBeam;

@@ -140,6 +140,8 @@ class cwTextBox : public cwScrollable {
   void W_ReportState(WidgetState& state) const override;
 
  protected:
+  // For a class built on the text box, under its own name.
+  explicit cwTextBox(std::string typeName);
   void PaintContent(DrawingContext& ctx, double x, double y, double w, double h) override;
   bool ContentMouseDown(int button, int shift, double x, double y) override;
   bool ContentMouseMove(int button, int shift, double x, double y) override;

@@ -44,9 +44,8 @@ cwMsgBox::cwMsgBox() : Widget("cwMsgBox") {
   }
   for (const auto& [key, text] :
        {std::pair{"btnNoMessage", "DontShowMessage"}, {"btnUseForAll", "UseForAll"}}) {
-    auto& check = Children().Add<cwButton>(key);
+    auto& check = Children().Add<cwCheckBox>(key);
     check.Caption = TextOf(text);
-    check.Checkable = true;
     check.setVisible(false);
   }
   setStyle(MsgStyle::Ok);

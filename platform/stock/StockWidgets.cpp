@@ -92,6 +92,20 @@ void cwButton::W_Paint(DrawingContext& ctx, double w, double h) {
                TextAlign::Middle, accessAt);
 }
 
+void cwCheckBox::W_Paint(DrawingContext& ctx, double w, double h) {
+  const double side = std::min(14.0, h - 2);
+  const double top = (h - side) / 2;
+  const int state = (!EnabledInTree() ? ThemeState::Disabled : 0) | (Pressed() ? ThemeState::Pressed : 0) |
+                    (MouseOver() ? ThemeState::Hover : 0) | (HasFocus() ? ThemeState::Focused : 0);
+  DrawPart(ctx, ThemePart::Face, state, 1, top, side, side);
+  if (Checked) DrawPart(ctx, ThemePart::Check, state | ThemeState::Checked, 1, top, side, side);
+  ctx.SelectFont(kUiFont, kUiFontSize,
+                 EnabledInTree() ? StockColor(Palette::Text) : StockColor(Palette::Disabled));
+  int accessAt = -1;
+  const std::string shown = ShownCaption(Caption, &accessAt);
+  ctx.DrawText(side + 7, 0, w - side - 7, h, shown, true, TextAlign::Left, TextAlign::Middle, accessAt);
+}
+
 void cwButton::Press() {
   if (Checkable) Checked = !Checked;
   Refresh();
@@ -175,6 +189,7 @@ void cwImage::W_Paint(DrawingContext& ctx, double w, double h) {
 }
 
 QDS_JOIN_WIDGET_REGISTRY(cwButton);
+QDS_JOIN_WIDGET_REGISTRY(cwCheckBox);
 QDS_JOIN_WIDGET_REGISTRY(cwLabel);
 QDS_JOIN_WIDGET_REGISTRY(cwFrame);
 QDS_JOIN_WIDGET_REGISTRY(cwImage);

@@ -17,7 +17,7 @@ namespace qds {
 // stay down until pressed again.
 class cwButton : public Widget {
  public:
-  cwButton() : Widget("cwButton") { CanFocus = true; }
+  cwButton() : cwButton("cwButton") {}
   Property<std::string> Caption{*this};
   Property<std::string> PictureKey{*this};
   bool Checkable = false;
@@ -39,8 +39,20 @@ class cwButton : public Widget {
   bool W_AccessKey(char letter) override;
   void W_ReportState(WidgetState& state) const override;
 
+ protected:
+  explicit cwButton(std::string typeName) : Widget(std::move(typeName)) { CanFocus = true; }
+  bool Pressed() const { return pressed_; }
+
  private:
   bool pressed_ = false;
+};
+
+// A box with a tick and a caption beside it: a button that stays checked
+// until pressed again, drawn as desktop users know a yes-or-no choice.
+class cwCheckBox : public cwButton {
+ public:
+  cwCheckBox() : cwButton("cwCheckBox") { Checkable = true; }
+  void W_Paint(DrawingContext& ctx, double w, double h) override;
 };
 
 class cwLabel : public Widget {

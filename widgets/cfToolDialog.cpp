@@ -122,11 +122,8 @@ void cfToolDialog::FocusFirstInput() {
 
 void cfToolDialog::Form_BubblingEvent(Widget& source, const std::string& name,
                                       const std::vector<Value>& args) {
-  PlatformRoot* root = PlatformRoot::Current();
-  if (!owner_ || !root) return;
   // Only while the owner is still open: one that has gone may be gone for good.
-  const std::vector<cfForm*>& open = root->Forms();
-  if (std::find(open.begin(), open.end(), owner_) != open.end())
+  if (PlatformRoot* root = PlatformRoot::Current(); root && root->IsOpen(owner_))
     owner_->Form_BubblingEvent(source, name, args);
 }
 

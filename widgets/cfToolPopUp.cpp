@@ -63,8 +63,7 @@ void cfToolPopUp::Unload() {
 bool cfToolPopUp::LostPurpose() const {
   PlatformRoot* root = PlatformRoot::Current();
   if (!root) return true;
-  const std::vector<cfForm*>& open = root->Forms();
-  if (owner_ && std::find(open.begin(), open.end(), owner_) == open.end()) return true;
+  if (owner_ && !root->IsOpen(owner_)) return true;
   const cfForm* pressed = root->LastPressedForm();
   return pressed && pressed != this && !pressed->PopUp && root->LastPressEvent() > shownOnEvent_;
 }
@@ -80,10 +79,8 @@ void cfToolPopUp::tmrPopUp_Timer() {
 
 void cfToolPopUp::Form_BubblingEvent(Widget& source, const std::string& name,
                                      const std::vector<Value>& args) {
-  PlatformRoot* root = PlatformRoot::Current();
-  if (!owner_ || !root) return;
-  const std::vector<cfForm*>& open = root->Forms();
-  if (std::find(open.begin(), open.end(), owner_) != open.end())
+  // Only while the owner is still open: one that has gone may be gone for good.
+  if (PlatformRoot* root = PlatformRoot::Current(); root && root->IsOpen(owner_))
     owner_->Form_BubblingEvent(source, name, args);
 }
 

@@ -324,6 +324,10 @@ void PlatformRoot::DoEvents() {
   ProcessOnce(0);
 }
 
+bool PlatformRoot::IsOpen(const cfForm* form) const {
+  return form && std::find(forms_.begin(), forms_.end(), form) != forms_.end();
+}
+
 void PlatformRoot::RunMessageLoop() {
   while (!forms_.empty() && !quitting_) {
     ProcessOnce(NextTimerIn());

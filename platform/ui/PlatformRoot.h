@@ -90,6 +90,8 @@ class PlatformRoot {
   void FormShown(cfForm& form);
   void FormClosed(cfForm& form);
   const std::vector<cfForm*>& Forms() const { return forms_; }
+  // Still open: a form remembered across events may have gone since.
+  bool IsOpen(const cfForm* form) const;
 
   // A drag within the program: started by a widget on a mouse press, it
   // follows the mouse and ends on the next release over a widget, whose

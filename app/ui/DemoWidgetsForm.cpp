@@ -15,6 +15,8 @@
 #include "widgets/cfToolDialog.h"
 #include "widgets/cfToolPopUp.h"
 #include "widgets/cwDropDownList.h"
+#include "widgets/cwFileDialog.h"
+#include "widgets/cwFolderDialog.h"
 #include "widgets/cwModalBg.h"
 #include "widgets/cwProgressBar.h"
 #include "widgets/cwSlider.h"
@@ -239,7 +241,7 @@ DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
 
 void DemoWidgetsForm::AddToolWindowButtons() {
   auto& row = Children().Add<Widget>("pnlTools", "DemoToolsPanel");
-  row.Move(10, 200, 200, 22);
+  row.Move(10, 200, 335, 22);
   row.setBoxLayout(BoxDirection::Row, 0, 6);
   // Screen pixels under a widget of this form, in the units the tool
   // windows place themselves in.
@@ -286,6 +288,37 @@ void DemoWidgetsForm::AddToolWindowButtons() {
     const int answer =
         ShowMsgBox("Delete the demonstration layer?", MsgStyle::YesNo, "Question", "MsgDemoAsk");
     status_->Caption = "Message: " + std::to_string(answer);
+  };
+
+  auto& file = row.Children().Add<cwButton>("btnFile");
+  file.Caption = "File…";
+  file.setBoxHint(0, 1);
+  file.Click = [this, below, &file] {
+    auto widget = std::make_unique<cwFileDialog>();
+    cwFileDialog& shown = *widget;
+    shown.setFileExtension("svg");
+    cfToolDialog dialog;
+    dialog.ImageKey = "Logo";
+    double x, y;
+    below(file, x, y);
+    int result = ToolResult::Cancel;
+    dialog.ShowWidget(std::move(widget), "File", x, y, 440, 300, result);
+    status_->Caption = result == ToolResult::Ok ? "File: " + shown.Filepath() : "File: Cancel";
+  };
+
+  auto& folder = row.Children().Add<cwButton>("btnFolder");
+  folder.Caption = "Folder…";
+  folder.setBoxHint(0, 1);
+  folder.Click = [this, below, &folder] {
+    auto widget = std::make_unique<cwFolderDialog>();
+    cwFolderDialog& shown = *widget;
+    cfToolDialog dialog;
+    dialog.ImageKey = "Logo";
+    double x, y;
+    below(folder, x, y);
+    int result = ToolResult::Cancel;
+    dialog.ShowWidget(std::move(widget), "Folder", x, y, 360, 320, result);
+    status_->Caption = result == ToolResult::Ok ? "Folder: " + shown.Folder() : "Folder: Cancel";
   };
 }
 

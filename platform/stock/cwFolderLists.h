@@ -17,6 +17,8 @@ class cwDirList : public cwListBase {
   // False, with the list as it was, when the folder cannot be read.
   bool setPath(const std::string& path);
   void Rescan();
+  // The folder a row stands for, whole: a row shows only the last name.
+  const std::string& RowFolder(int index) const { return targets_.at(index); }
   // The folder changed; also bubbled as "Change".
   std::function<void()> Change;
 

@@ -54,6 +54,35 @@ int Wait(pid_t pid, int seconds) {
   return -1;
 }
 
+// Whether the process still runs; it is not reaped, so Wait still gets its code.
+bool Running(pid_t pid) {
+  siginfo_t info{};
+  return waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid == 0;
+}
+
+// An X server of the test's own, on a display number nobody uses, ended
+// with the test.
+struct VirtualDisplay {
+  static constexpr const char* kXvfb = "/usr/bin/Xvfb";
+  std::string name;
+  pid_t server = -1;
+  bool Up() {
+    int display = 90 + static_cast<int>(getpid() % 400);
+    while (std::filesystem::exists("/tmp/.X11-unix/X" + std::to_string(display))) ++display;
+    name = ":" + std::to_string(display);
+    server = Spawn({kXvfb, name, "-screen", "0", "1024x768x24", "-nolisten", "tcp"}, {});
+    const std::string socket = "/tmp/.X11-unix/X" + std::to_string(display);
+    for (int i = 0; server > 0 && i < 100 && !std::filesystem::exists(socket); ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    return server > 0 && std::filesystem::exists(socket);
+  }
+  ~VirtualDisplay() {
+    if (server <= 0) return;
+    kill(server, SIGTERM);
+    Wait(server, 10);
+  }
+};
+
 // What a command prints; nothing when it cannot run.
 std::string Output(const std::string& command) {
   std::string out;
@@ -81,19 +110,11 @@ std::string WindowIdOf(const std::string& tree, const std::string& title) {
 }  // namespace
 
 TEST(RealWindow, TheDemonstrationFormUnderXLooksAsItDoesWithoutADisplay) {
-  const std::string xvfb = "/usr/bin/Xvfb";
-  if (!std::filesystem::exists(xvfb))
+  if (!std::filesystem::exists(VirtualDisplay::kXvfb))
     GTEST_SKIP() << "Xvfb is not installed (scripts/install-deps installs it)";
-
-  // A display number nobody uses.
-  int display = 90 + static_cast<int>(getpid() % 400);
-  while (std::filesystem::exists("/tmp/.X11-unix/X" + std::to_string(display))) ++display;
-  const std::string name = ":" + std::to_string(display);
-  const pid_t server = Spawn({xvfb, name, "-screen", "0", "1024x768x24", "-nolisten", "tcp"}, {});
-  ASSERT_GT(server, 0);
-  for (int i = 0; i < 100 && !std::filesystem::exists("/tmp/.X11-unix/X" + std::to_string(display)); ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  }
+  VirtualDisplay x;
+  ASSERT_TRUE(x.Up());
+  const std::string& name = x.name;
   TempDir dir;
   const std::string shot = dir.Path() + "/window.png";
   // SDL unloads the X libraries it opened before the leak check runs, so
@@ -118,15 +139,10 @@ TEST(RealWindow, TheDemonstrationFormUnderXLooksAsItDoesWithoutADisplay) {
   // Asked until it says so, or the dialog has had its time: SDL may make a
   // window anew while it sets it up, and a slow build is seen half way.
   std::string dialogId, mainId, transientFor;
-  // Asked for as long as the script runs (it is not reaped here), since a
-  // loaded machine may take many seconds to start it.
-  const auto running = [script] {
-    siginfo_t info{};
-    return waitid(P_PID, static_cast<id_t>(script), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
-           info.si_pid == 0;
-  };
+  // Asked for as long as the script runs, since a loaded machine may take
+  // many seconds to start it.
   const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-  for (int i = 0; xTools && script > 0 && running() && std::chrono::steady_clock::now() < giveUp &&
+  for (int i = 0; xTools && script > 0 && Running(script) && std::chrono::steady_clock::now() < giveUp &&
                   (transientFor.empty() || transientFor != mainId);
        ++i) {
     if (i > 0) std::this_thread::sleep_for(std::chrono::milliseconds(50));
@@ -140,8 +156,6 @@ TEST(RealWindow, TheDemonstrationFormUnderXLooksAsItDoesWithoutADisplay) {
     for (std::string word; said >> word;) transientFor = word;  // the last word is the window's id
   }
   const int scriptCode = script > 0 ? Wait(script, 60) : -1;
-  kill(server, SIGTERM);
-  Wait(server, 10);
   ASSERT_EQ(code, 0);
   EXPECT_EQ(scriptCode, 0);
   if (xTools) {
@@ -178,4 +192,32 @@ TEST(RealWindow, TheDemonstrationFormUnderXLooksAsItDoesWithoutADisplay) {
   // window is only ever compared with it, never recorded as it.
   ::unsetenv("QDS_UPDATE_GOLDEN");
   EXPECT_TRUE(MatchesGolden(window, "demo_widgets"));
+}
+
+TEST(RealWindow, TextCopiedInTheStudioIsOnTheDesktopsClipboardAndBack) {
+  if (!std::filesystem::exists("/usr/bin/xclip"))
+    GTEST_SKIP() << "xclip is not installed (scripts/install-deps installs it)";
+  VirtualDisplay x;
+  ASSERT_TRUE(x.Up());
+  TempDir dir;
+  // Another program owns the clipboard first: the studio pastes from it.
+  ASSERT_EQ(
+      std::system(("printf 'from outside' | DISPLAY=" + x.name + " xclip -selection clipboard -i").c_str()),
+      0);
+  qds::WriteUtf8Text(dir / "script.txt",
+                     "click txtTyped\nkey ctrl+v\nexpect txtTyped text from outside\nkey ctrl+a\n"
+                     "type copied here\nkey ctrl+a\nkey ctrl+c\nwait 4000\n");
+  const pid_t script = Spawn({QDS_APP_EXE, "--automate", dir / "script.txt", "--real-window"},
+                             {"DISPLAY=" + x.name, "ASAN_OPTIONS=detect_leaks=0"});
+  ASSERT_GT(script, 0);
+  // The copy is read the way any other program reads it, while the studio
+  // still owns it.
+  std::string read;
+  const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+  while (Running(script) && std::chrono::steady_clock::now() < giveUp && read != "copied here") {
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    read = Output("DISPLAY=" + x.name + " xclip -selection clipboard -o 2>/dev/null");
+  }
+  EXPECT_EQ(Wait(script, 60), 0);
+  EXPECT_EQ(read, "copied here");
 }

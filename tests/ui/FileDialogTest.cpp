@@ -11,7 +11,9 @@
 #include <memory>
 #include <optional>
 
+#include "platform/DrawingContext.h"
 #include "platform/stock/cwFolderLists.h"
+#include "tests/support/Golden.h"
 #include "tests/support/SettingsApp.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/UiDriver.h"
@@ -108,6 +110,24 @@ class ScopedEnv {
   std::optional<std::string> old_;
 };
 
+// The dialog's picture with the named parts painted over: the folder rows
+// and a typed path show where the test's temporary folder lies, which
+// changes from run to run.
+SurfacePtr Masked(cfForm& dialog, Widget& chooser, std::initializer_list<const char*> parts) {
+  SurfacePtr shot = dialog.Surface()->Copy();
+  DrawingContext ctx(shot);
+  ctx.Scale(dialog.Zoom(), dialog.Zoom());
+  ctx.SetSourceColor(0xFF00FF);
+  for (const char* key : parts) {
+    Widget& part = *chooser.Find(key);
+    double x, y;
+    part.FormPosition(x, y);
+    ctx.Rectangle(x, y, part.Width(), part.Height());
+    ctx.Fill();
+  }
+  return shot;
+}
+
 struct Studio {
   UiDriver ui;
   SettingsApp studio;
@@ -143,6 +163,7 @@ TEST(FileDialog, OpenTakesAnExistingFileOfItsExtensionAndRefusesAMissingOne) {
                      // Only the pictures of the extension, whatever their case.
                      EXPECT_EQ(Rows(list), (std::vector<std::string>{"a.svg", "b.SVG"}));
                      EXPECT_TRUE(box.HasFocus());
+                     EXPECT_TRUE(MatchesGolden(Masked(dialog, files, {"DirList"}), "file_dialog"));
                      PushAt(s.ui, list.W_ItemPoint("b.SVG"));
                    },
                    [&] {
@@ -274,34 +295,36 @@ TEST(FolderDialog, AClickOrTypingChoosesTheFolderOkTellsItAndEscapeDoesNot) {
   auto& box = *folders.Find<cwTextBox>("txtFolder");
   auto& dirs = *folders.Find<cwDirList>("DirList");
   int result = -1;
-  WhileOpen(s.ui, {[&] {
-                     EXPECT_EQ(dirs.Path(), Bare(s.dir.Path()));
-                     EXPECT_TRUE(box.HasFocus());
-                     PushAt(s.ui, dirs.W_ItemPoint("sub"));
-                   },
-                   [&] {
-                     // The whole path goes into the box; the list stays to click on.
-                     EXPECT_EQ(box.Text(), s.dir / "sub");
-                     EXPECT_EQ(dirs.Path(), Bare(s.dir.Path()));
-                     PushRetype(s.ui, box, s.dir / "other");
-                   },
-                   [&] {
-                     EXPECT_EQ(dirs.Path(), s.dir / "other");
-                     EXPECT_EQ(box.Text(), s.dir / "other");
-                     // On to a folder that is not there: the list stays.
-                     PushType(s.ui, box, "/absent");
-                   },
-                   [&] {
-                     EXPECT_EQ(dirs.Path(), s.dir / "other");
-                     PushKey(s.ui, dialog, Key::Return);
-                   },
-                   [&] {
-                     EXPECT_TRUE(dialog.Showing());
-                     EXPECT_EQ(folders.Message(), "The target folder does not exist.");
-                     EXPECT_TRUE(told.empty());
-                     PushRetype(s.ui, box, s.dir / "sub");
-                     PushKey(s.ui, dialog, Key::Return);
-                   }});
+  WhileOpen(s.ui,
+            {[&] {
+               EXPECT_EQ(dirs.Path(), Bare(s.dir.Path()));
+               EXPECT_TRUE(box.HasFocus());
+               EXPECT_TRUE(MatchesGolden(Masked(dialog, folders, {"DirList", "txtFolder"}), "folder_dialog"));
+               PushAt(s.ui, dirs.W_ItemPoint("sub"));
+             },
+             [&] {
+               // The whole path goes into the box; the list stays to click on.
+               EXPECT_EQ(box.Text(), s.dir / "sub");
+               EXPECT_EQ(dirs.Path(), Bare(s.dir.Path()));
+               PushRetype(s.ui, box, s.dir / "other");
+             },
+             [&] {
+               EXPECT_EQ(dirs.Path(), s.dir / "other");
+               EXPECT_EQ(box.Text(), s.dir / "other");
+               // On to a folder that is not there: the list stays.
+               PushType(s.ui, box, "/absent");
+             },
+             [&] {
+               EXPECT_EQ(dirs.Path(), s.dir / "other");
+               PushKey(s.ui, dialog, Key::Return);
+             },
+             [&] {
+               EXPECT_TRUE(dialog.Showing());
+               EXPECT_EQ(folders.Message(), "The target folder does not exist.");
+               EXPECT_TRUE(told.empty());
+               PushRetype(s.ui, box, s.dir / "sub");
+               PushKey(s.ui, dialog, Key::Return);
+             }});
   s.owner.heard.clear();
   dialog.ShowWidget(std::move(made), "Folder", 10, 10, 360, 320, result);
   EXPECT_EQ(result, ToolResult::Ok);

@@ -185,6 +185,8 @@ TEST(ToolWindows, APopUpHidesWhenClosedOrLeftAndComesBackAsTheUserLeftIt) {
   EXPECT_EQ(popUp.ScreenY(), 60);
   EXPECT_EQ(popUp.Surface()->Width(), 180);
   EXPECT_EQ(popUp.WidgetTypeName(), "Counter");
+  ui.Root().DoEvents();
+  EXPECT_TRUE(MatchesGolden(popUp.Surface()->Copy(), "tool_popup"));
   ui.Click(*first);
   EXPECT_EQ(static_cast<Counter*>(first)->clicks, 1);
 

@@ -78,8 +78,11 @@ std::string cwFileDialog::SelectedPath() const {
 }
 
 bool cwFileDialog::setSelectedPath(const std::string& folder) {
-  if (!FolderExists(folder)) return false;
-  dirs_->setPath(folder);
+  // One that is not there, or cannot be read, leaves both lists as they were.
+  if (!FolderExists(folder) || !dirs_->setPath(folder)) {
+    Refuse("FolderUnreadable", "The folder cannot be opened.");
+    return false;
+  }
   ShowFolder(folder);
   return true;
 }
@@ -130,8 +133,7 @@ void cwFileDialog::NameChanged() {
     // stays in the box to go on typing.
     const std::string folderPart = slash == 0 ? "/" : typed.substr(0, slash);
     const std::string folder = ExpandTypedPath(folderPart, SelectedPath());
-    if (FolderExists(folder)) {
-      setSelectedPath(folder);
+    if (FolderExists(folder) && setSelectedPath(folder)) {
       Fill(typed.substr(slash + 1));
       return;
     }

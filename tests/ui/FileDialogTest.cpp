@@ -2,6 +2,7 @@
 // would: clicks on the lists, typing into the box, Return and Escape.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -275,6 +276,19 @@ TEST(FileDialog, ATypedPathMovesTheListsOnlyToAFolderThatIsThere) {
   files.setFileName(s.dir / "sub/q.svg");
   EXPECT_EQ(files.SelectedPath(), s.dir / "sub");
   EXPECT_EQ(files.FileName(), "q.svg");
+  // Pointed at a folder that is missing, or that cannot be read, it stays
+  // and says so.
+  EXPECT_FALSE(files.setSelectedPath(s.dir / "nowhere"));
+  EXPECT_EQ(files.SelectedPath(), s.dir / "sub");
+  EXPECT_EQ(files.Message(), "The folder cannot be opened.");
+  fs::create_directory(s.dir / "locked");
+  fs::permissions(s.dir / "locked", fs::perms::none);
+  if (::geteuid() != 0) {  // root reads any folder
+    EXPECT_FALSE(files.setSelectedPath(s.dir / "locked"));
+    EXPECT_EQ(files.SelectedPath(), s.dir / "sub");
+    EXPECT_EQ(Bare(files.Find<cwDirList>("DirList")->Path()), Bare(s.dir / "sub"));
+  }
+  fs::permissions(s.dir / "locked", fs::perms::owner_all);
 
   // A click on a folder lists its files.
   PushAt(s.ui, dirs.W_ItemPoint(Bare(s.dir.Path()).substr(Bare(s.dir.Path()).rfind('/') + 1)));

@@ -329,6 +329,11 @@ TEST(WidgetKit, AnUpDownStepsThroughItsRowsByArrowsWheelAndKeys) {
   spin.W_ReportState(state);
   EXPECT_EQ(state.text, "12");
   EXPECT_EQ(state.max, 1);
+  // A row number out of range is held to the rows there are.
+  spin.setDataIndex(99);
+  EXPECT_EQ(spin.DataValue(), "12");
+  spin.setDataIndex(-5);
+  EXPECT_EQ(spin.DataValue(), "8");
 }
 
 TEST(WidgetKit, ASliderTakesItsValueFromTheTrackTheWheelAndTypingAndTellsOnlyRealChanges) {

@@ -40,7 +40,7 @@ class DropDownListRows : public cwListBase {
   void Activated(int index) override { owner_.Take(index); }
   void PaintRow(DrawingContext& ctx, int index, double y, double w, bool) override {
     const std::string& text = List(index);
-    ctx.SelectFont(owner_.IsFontSelection && !text.empty() ? text : std::string(kUiFont), kUiFontSize,
+    ctx.SelectFont(owner_.IsFontSelection && !text.empty() ? text : UiFont(), kUiFontSize,
                    StockColor(Palette::Text));
     ctx.DrawText(6, y, w - 10, RowHeight, text, true, TextAlign::Left, TextAlign::Middle);
   }
@@ -126,7 +126,7 @@ void cwDropDownList::W_Paint(DrawingContext& ctx, double w, double h) {
   const int state = BoxState();
   DrawFace(ctx, w, h, state);
   const std::string text = Text();
-  ctx.SelectFont(IsFontSelection && !text.empty() ? text : std::string(kUiFont), kUiFontSize,
+  ctx.SelectFont(IsFontSelection && !text.empty() ? text : UiFont(), kUiFontSize,
                  CurrentTheme().cTheme_GetThemeColor(ThemePart::Text, state));
   ctx.DrawText(6, 0, w - h - 6, h, text, true, TextAlign::Left, TextAlign::Middle);
   DrawBoxArrow(ctx, w, h, state);

@@ -79,7 +79,7 @@ void cwModalBg::W_Paint(DrawingContext& ctx, double w, double h) {
       DrawPicture(ctx, ImageKey, 8, (strip - side) / 2, side, side);
       textLeft = side + 14;
     }
-    ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text), true);
+    ctx.SelectFont(UiFont(), kUiFontSize, StockColor(Palette::Text), true);
     ctx.DrawText(textLeft, 0, w - textLeft - 8, strip, Caption(), true, TextAlign::Left, TextAlign::Middle);
   }
 }

@@ -62,7 +62,7 @@ void cwProgressBar::W_Paint(DrawingContext& ctx, double w, double h) {
     DrawPart(ctx, ThemePart::Selection, 0, 0, 0, w * (value_ - min_) / (max_ - min_), h);
   }
   if (Caption().empty()) return;
-  ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
+  ctx.SelectFont(UiFont(), kUiFontSize, StockColor(Palette::Text));
   ctx.DrawText(0, 0, w, h, Caption, true, TextAlign::Center, TextAlign::Middle);
 }
 

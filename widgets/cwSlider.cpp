@@ -94,7 +94,7 @@ void cwSlider::W_Paint(DrawingContext& ctx, double w, double h) {
                    (HasFocus() ? ThemeState::Focused : 0);
   DrawPart(ctx, ThemePart::Knob, knob, x - r, h / 2 - r, 2 * r, 2 * r);
   if (edit_) return;  // the field covers the number
-  ctx.SelectFont(kUiFont, kUiFontSize, CurrentTheme().cTheme_GetThemeColor(ThemePart::Text, disabled));
+  ctx.SelectFont(UiFont(), kUiFontSize, CurrentTheme().cTheme_GetThemeColor(ThemePart::Text, disabled));
   ctx.DrawText(w - LabelWidth(), 0, LabelWidth() - 2, h, ShownValue(), true, TextAlign::Right,
                TextAlign::Middle);
 }

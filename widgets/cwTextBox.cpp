@@ -128,7 +128,7 @@ void cwTextBox::W_Resize() {
 DrawingContext& cwTextBox::Measure() const {
   if (!measure_) {
     measure_ = std::make_unique<DrawingContext>(DrawingSurface::Create(1, 1));
-    measure_->SelectFont(kUiFont, kUiFontSize);
+    measure_->SelectFont(UiFont(), kUiFontSize);
   }
   return *measure_;
 }
@@ -513,7 +513,7 @@ void cwTextBox::PaintContent(DrawingContext& ctx, double x, double y, double w, 
 
   if (model_.Length() == 0) {
     if (!focused && !CueBannerText().empty()) {
-      ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Disabled));
+      ctx.SelectFont(UiFont(), kUiFontSize, StockColor(Palette::Disabled));
       const double room = std::max(0.0, ViewWidth() - 2 * Pad());
       const double spare = std::max(0.0, room - ctx.MeasureText(CueBannerText()).width);
       const double share = Alignment() == TextAlign::Right ? 1 : Alignment() == TextAlign::Center ? 0.5 : 0;
@@ -542,10 +542,10 @@ void cwTextBox::PaintContent(DrawingContext& ctx, double x, double y, double w, 
       const std::string shown = ShownRow(row);
       const double width = places.back() + rh;
       if (shadow) {
-        ctx.SelectFont(kUiFont, kUiFontSize, TextShadowColor());
+        ctx.SelectFont(UiFont(), kUiFontSize, TextShadowColor());
         ctx.DrawText(rowX + TextShadowOffsetX(), rowY + TextShadowOffsetY(), width, rh, shown);
       }
-      ctx.SelectFont(kUiFont, kUiFontSize, ink);
+      ctx.SelectFont(UiFont(), kUiFontSize, ink);
       ctx.DrawText(rowX, rowY, width, rh, shown);
     }
   }

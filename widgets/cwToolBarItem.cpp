@@ -29,7 +29,7 @@ void cwToolBarItem::W_Paint(DrawingContext& ctx, double w, double h) {
     const double side = std::clamp(std::min(body, h) - 8, 8.0, 24.0);
     DrawPicture(ctx, PictureKey, (body - side) / 2, (h - side) / 2, side, side);
   } else {
-    ctx.SelectFont(kUiFont, kUiFontSize, CurrentTheme().cTheme_GetThemeColor(ThemePart::Text, state));
+    ctx.SelectFont(UiFont(), kUiFontSize, CurrentTheme().cTheme_GetThemeColor(ThemePart::Text, state));
     ctx.DrawText(0, 0, body, h, Caption, true, TextAlign::Center, TextAlign::Middle);
   }
   if (HasDropArrow) DrawPart(ctx, ThemePart::Arrow, state, body + 3, h / 2 - 2, kArrowWidth - 6, 4);

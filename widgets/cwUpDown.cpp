@@ -66,7 +66,7 @@ void cwUpDown::W_Paint(DrawingContext& ctx, double w, double h) {
   ctx.SetSourceColor(StockColor(Palette::Face));
   ctx.Paint();
   DrawPart(ctx, ThemePart::Frame, state, 0, 0, w, h);
-  ctx.SelectFont(kUiFont, kUiFontSize, CurrentTheme().cTheme_GetThemeColor(ThemePart::Text, state));
+  ctx.SelectFont(UiFont(), kUiFontSize, CurrentTheme().cTheme_GetThemeColor(ThemePart::Text, state));
   ctx.DrawText(6, 0, w - bar_->Width() - 10, h, DataValue(), true, TextAlign::Left, TextAlign::Middle);
 }
 

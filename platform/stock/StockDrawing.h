@@ -23,8 +23,11 @@ inline std::int64_t StockColor(int index) {
   return ThemePaletteColor(index);
 }
 
-// The interface font, in points.
-constexpr const char* kUiFont = "DejaVu Sans";
+// The interface font: the installed theme's (in the studio, the desktop's
+// sans face), and its size in points.
+inline std::string UiFont() {
+  return CurrentTheme().cTheme_GetIconFontName();
+}
 constexpr double kUiFontSize = 9;
 
 // The raised face of a button or box in a ThemeState, outlined in the

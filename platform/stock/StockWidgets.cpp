@@ -38,13 +38,13 @@ void DrawFace(DrawingContext& ctx, double w, double h, std::int64_t fill, bool f
 
 TextSize MeasureUiText(const std::string& text) {
   DrawingContext measure(DrawingSurface::Create(1, 1));
-  measure.SelectFont(kUiFont, kUiFontSize, 0);
+  measure.SelectFont(UiFont(), kUiFontSize, 0);
   return measure.MeasureText(text);
 }
 
 TextSize MeasureUiText(const std::string& text, double width) {
   DrawingContext measure(DrawingSurface::Create(1, 1));
-  measure.SelectFont(kUiFont, kUiFontSize, 0);
+  measure.SelectFont(UiFont(), kUiFontSize, 0);
   measure.SetWordWrap(true);
   return measure.MeasureText(text, width);
 }
@@ -84,7 +84,7 @@ void cwButton::W_Paint(DrawingContext& ctx, double w, double h) {
     DrawPicture(ctx, PictureKey, 4, (h - side) / 2, side, side);
     textLeft = side + 6;
   }
-  ctx.SelectFont(kUiFont, kUiFontSize,
+  ctx.SelectFont(UiFont(), kUiFontSize,
                  EnabledInTree() ? StockColor(Palette::Text) : StockColor(Palette::Disabled));
   int accessAt = -1;
   const std::string shown = ShownCaption(Caption, &accessAt);
@@ -99,7 +99,7 @@ void cwCheckBox::W_Paint(DrawingContext& ctx, double w, double h) {
                     (MouseOver() ? ThemeState::Hover : 0) | (HasFocus() ? ThemeState::Focused : 0);
   DrawPart(ctx, ThemePart::Face, state, 1, top, side, side);
   if (Checked) DrawPart(ctx, ThemePart::Check, state | ThemeState::Checked, 1, top, side, side);
-  ctx.SelectFont(kUiFont, kUiFontSize,
+  ctx.SelectFont(UiFont(), kUiFontSize,
                  EnabledInTree() ? StockColor(Palette::Text) : StockColor(Palette::Disabled));
   int accessAt = -1;
   const std::string shown = ShownCaption(Caption, &accessAt);
@@ -149,7 +149,7 @@ void cwButton::W_ReportState(WidgetState& state) const {
 }
 
 void cwLabel::W_Paint(DrawingContext& ctx, double w, double h) {
-  ctx.SelectFont(kUiFont, kUiFontSize,
+  ctx.SelectFont(UiFont(), kUiFontSize,
                  EnabledInTree() ? StockColor(Palette::Text) : StockColor(Palette::Disabled));
   int accessAt = -1;
   const std::string shown = ShownCaption(Caption, &accessAt);
@@ -165,7 +165,7 @@ void cwFrame::W_Paint(DrawingContext& ctx, double w, double h) {
   ctx.RoundedRectangle(0.5, top, w - 1, h - top - 0.5, 4);
   ctx.Stroke();
   if (Caption().empty()) return;
-  ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
+  ctx.SelectFont(UiFont(), kUiFontSize, StockColor(Palette::Text));
   const TextSize size = ctx.MeasureText(Caption());
   ctx.SetSourceColor(StockColor(Palette::Back));
   ctx.Rectangle(6, 0, size.width + 6, 16);

@@ -84,7 +84,7 @@ void cwDropDown::PopupGone() {
 void cwDropDown::W_Paint(DrawingContext& ctx, double w, double h) {
   const int state = BoxState();
   DrawFace(ctx, w, h, state);
-  ctx.SelectFont(kUiFont, kUiFontSize, CurrentTheme().cTheme_GetThemeColor(ThemePart::Text, state));
+  ctx.SelectFont(UiFont(), kUiFontSize, CurrentTheme().cTheme_GetThemeColor(ThemePart::Text, state));
   ctx.DrawText(6, 0, w - h - 6, h, Caption, true, TextAlign::Left, TextAlign::Middle);
   DrawBoxArrow(ctx, w, h, state);
 }

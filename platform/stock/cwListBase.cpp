@@ -62,7 +62,7 @@ void cwListBase::PaintView(DrawingContext& ctx, double w, double h) {
 
 void cwListBase::PaintRow(DrawingContext& ctx, int index, double y, double w, bool) {
   const double x = 6 + rows_[index].indent * 12;
-  ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
+  ctx.SelectFont(UiFont(), kUiFontSize, StockColor(Palette::Text));
   ctx.DrawText(x, y, w - x - 4, RowHeight, (rows_[index].folder ? "▸ " : "") + rows_[index].text, true,
                TextAlign::Left, TextAlign::Middle);
 }

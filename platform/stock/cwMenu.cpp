@@ -56,7 +56,7 @@ class MenuPopUp : public cfForm {
       }
       DrawPicture(ctx, rows_[i].pictureKey, 4, top + (kRowHeight - kPictureSide) / 2, kPictureSide,
                   kPictureSide);
-      ctx.SelectFont(kUiFont, kUiFontSize,
+      ctx.SelectFont(UiFont(), kUiFontSize,
                      rows_[i].enabled ? StockColor(Palette::Text) : StockColor(Palette::Disabled));
       int accessAt = -1;
       const std::string shown = ShownCaption(rows_[i].caption, &accessAt);

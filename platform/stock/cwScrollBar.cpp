@@ -110,7 +110,7 @@ bool cwScrollBar::W_MouseWheel(int delta, int, double, double) {
 void cwStatusBar::W_Paint(DrawingContext& ctx, double w, double h) {
   ctx.SetSourceColor(StockColor(Palette::Border));
   ctx.Paint();
-  ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
+  ctx.SelectFont(UiFont(), kUiFontSize, StockColor(Palette::Text));
   ctx.DrawText(6, 0, w - 12, h, Caption, true, TextAlign::Left, TextAlign::Middle);
   if (OwnerDraw) OwnerDraw(ctx, w, h);
 }

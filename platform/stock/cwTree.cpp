@@ -118,7 +118,7 @@ void cwTree::PaintRow(DrawingContext& ctx, int index, double y, double w, bool s
     OwnerDraw(ctx, node, textLeft, y, w - textLeft, RowHeight, selected);
     return;
   }
-  ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
+  ctx.SelectFont(UiFont(), kUiFontSize, StockColor(Palette::Text));
   ctx.DrawText(textLeft, y, w - textLeft - 4, RowHeight, node.caption, true, TextAlign::Left,
                TextAlign::Middle);
 }

@@ -343,7 +343,7 @@ class ToolTipForm : public cfForm {
     ctx.SetLineWidth(1);
     ctx.Rectangle(0.5, 0.5, w - 1, h - 1);
     ctx.Stroke();
-    ctx.SelectFont(kUiFont, kUiFontSize, StockColor(Palette::Text));
+    ctx.SelectFont(UiFont(), kUiFontSize, StockColor(Palette::Text));
     ctx.DrawText(6, 0, w - 12, h, Caption(), true, TextAlign::Left, TextAlign::Middle);
   }
 };

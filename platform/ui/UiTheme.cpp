@@ -17,7 +17,7 @@ namespace {
 // that pictures come out the same on every machine.
 class BuiltInTheme : public UiTheme {
  public:
-  std::string cTheme_GetIconFontName() const override { return kUiFont; }
+  std::string cTheme_GetIconFontName() const override { return "DejaVu Sans"; }
   void cTheme_FillThemeColorArray(std::vector<std::int64_t>& colors) const override {
     colors.clear();
     for (int i = 0; i < kQuillaronPaletteSize; ++i) colors.push_back(QuillaronPaletteColor(i));

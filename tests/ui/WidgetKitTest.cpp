@@ -134,8 +134,11 @@ TEST(WidgetKit, StockWidgetsDrawInTheInstalledThemeAndTheStudioThemeFollowsTheDe
                 PixelAt(shot, static_cast<int>(200 - bar / 2), 50), bar};
   };
 
+  const double plainWidth = MeasureUiText("Wide Icons of a Theme").width;
   {
     ScopedTheme loud(std::make_shared<LoudTheme>());
+    // Captions are set in the theme's font.
+    EXPECT_NE(MeasureUiText("Wide Icons of a Theme").width, plainWidth);
     const Look l = look();
     EXPECT_EQ(l.face, Opaque(0x008000));
     EXPECT_EQ(l.listBack, Opaque(0x008000));

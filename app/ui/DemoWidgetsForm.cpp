@@ -90,9 +90,9 @@ DemoWidgetsForm::~DemoWidgetsForm() = default;
 
 DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   Caption = "Quillaron Design Studio: widgets";
-  Resize(580, 324);
+  Resize(580, 360);
   Sizable = true;
-  MinWidth = 580, MinHeight = 324;
+  MinWidth = 580, MinHeight = 360;
   BackColor = StockColor(Palette::Back);
   setIconKey("Logo");
 
@@ -142,7 +142,7 @@ DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   menu.AddItem("Demo>Export>Ico", "ICO");
   auto& more = Children().Add<cwButton>("btnMenu");
   more.Caption = "Menu";
-  more.Move(230, 130, 110, 26);
+  more.Move(230, 122, 110, 26);
   more.Click = [&menu, &more] {
     menu.ShowPopup("Demo", more.Left(), more.Top() + more.Height(), more.Top());
   };
@@ -172,7 +172,7 @@ DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   kitRow.setDock(Dock::Fill);
   kitRow.setBoxLayout(BoxDirection::Row, 10, 10);
   auto& shapes = kitRow.Children().Add<cwDropDownList>("ddlDemo");
-  shapes.setBoxHint(150, 0);
+  shapes.setBoxHint(130, 0);
   shapes.SetDataSource({{"circle", {{"Name", "Circle"}}},
                         {"square", {{"Name", "Rounded square"}}},
                         {"star", {{"Name", "Star"}}},
@@ -189,16 +189,26 @@ DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   sizes.SetDataSource(std::move(sizeRows), "Size");
   sizes.setDataIndex(2);
   sizes.Change = [this, &sizes] { status_->Caption = "Size: " + sizes.DataValue(); };
+  // A list with nothing in it yet shows no text.
+  auto& empty = kitRow.Children().Add<cwDropDownList>("ddlEmpty");
+  empty.setBoxHint(70, 0);
   auto& opacity = kitRow.Children().Add<cwSlider>("sldDemo");
   opacity.setBoxHint(0, 1);
   opacity.Unit = "%";
   auto& progress = kitRow.Children().Add<cwProgressBar>("prgDemo");
-  progress.setBoxHint(140, 0);
+  progress.setBoxHint(110, 0);
   opacity.Changed = [&opacity, &progress] {
     progress.setValue(opacity.Value());
     progress.Caption = FormatDouble(opacity.Value()) + " %";
   };
   opacity.setValue(40);
+  // Counted once built, so a script sees each change the user makes.
+  const auto showProgress = opacity.Changed;
+  opacity.Changed = [this, &opacity, showProgress] {
+    showProgress();
+    status_->Caption = "Opacity: " + FormatDouble(opacity.Value()) +
+                       " % (changes: " + std::to_string(++OpacityChanges) + ")";
+  };
 
   // The right-hand column keeps to the right edge, and its tree takes the
   // height the drop-down and the text line leave.
@@ -225,10 +235,19 @@ DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   notes.setBoxHint(40, 0);
   auto& typed = side.Children().Add<cwTextBox>("txtTyped");
   typed.setBoxHint(24, 0);
+  // A colour in hex: six digits at most, of 0-9 and A-F.
+  auto& hex = side.Children().Add<cwTextBox>("txtHex");
+  hex.CueBannerText = "Hex colour";
+  hex.setMaxLength(6);
+  hex.setInputFilter(1);
+  hex.setAllowedChars("A,B,C,D,E,F");
+  hex.setBoxHint(24, 0);
 
   auto& ask = Children().Add<cwButton>("btnAsk");
   ask.Caption = "Ask…";
-  ask.Move(230, 166, 110, 26);
+  // Clear of the form's middle, where a virtual display's pointer rests when the
+  // window opens centred: the real window's picture then shows no hover.
+  ask.Move(230, 152, 110, 26);
   ask.Click = [this] { Ask(); };
 
   ok.Click = [this] {

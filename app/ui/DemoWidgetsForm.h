@@ -15,6 +15,8 @@ class DemoWidgetsForm : public cfForm {
   DemoWidgetsForm();
   ~DemoWidgetsForm() override;
   int Clicks = 0;
+  // Changed of the opacity slider, counted from the start.
+  int OpacityChanges = 0;
   // Asks "Keep the changes?" in a modal dialog; the answer shows in the
   // status bar.
   void Ask();

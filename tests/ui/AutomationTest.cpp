@@ -199,6 +199,36 @@ dump after.json
   EXPECT_EQ(WidgetOf(after, "DemoWidgetsForm", "pnlKit/pnlKitRow/prgDemo")["value"], 42);
 }
 
+TEST(Automation, TheKitsRulesHoldWhenAUserDrivesTheDemonstrationForm) {
+  TempDir dir;
+  // An empty list, a hex field of six, a line break taken back whole, and
+  // a value typed twice into the slider, told as a change once.
+  const ScriptRun r = RunScript(dir, R"(expect ddlEmpty text ""
+expect ddlEmpty listIndex -1
+click txtHex
+type 12g4aBcDeF
+expect txtHex text 124aBc
+key End
+key Delete
+expect txtHex text 124aBc
+click txtNotes
+type ab
+key Return
+key Back
+expect txtNotes text ab
+click sldDemo at 120 12
+type 55
+key Return
+expect sbStatus caption Opacity: 55 % (changes: 1)
+click sldDemo at 120 12
+type 55
+key Return
+expect sldDemo value 55
+expect sbStatus caption Opacity: 55 % (changes: 1)
+)");
+  EXPECT_EQ(r.code, 0) << r.err;
+}
+
 TEST(Automation, AFailingLineIsNamedAndNothingAfterItRuns) {
   TempDir dir;
   ScriptRun r =

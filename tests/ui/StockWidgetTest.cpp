@@ -160,9 +160,9 @@ TEST(StockWidgets, TheDemonstrationFormWorksWithoutADisplay) {
   EXPECT_EQ(status.Top(), 376);
   EXPECT_EQ(status.Width(), 800);
   // The band of small controls keeps its height over the status bar.
-  EXPECT_EQ(side.Children().Item("treDemo").Height(), 88 + 76);
-  EXPECT_EQ(side.Children().Item("txtTyped").Top() + 24, 376 - 74 - 10);
-  EXPECT_EQ(form.Children().Item("vsbDemo").Height(), 200 + 76);
+  EXPECT_EQ(side.Children().Item("treDemo").Height(), 90 + 40);
+  EXPECT_EQ(side.Children().Item("txtHex").Top() + 24, 376 - 74 - 10);
+  EXPECT_EQ(form.Children().Item("vsbDemo").Height(), 200 + 40);
   Widget& kit = form.Children().Item("pnlKit");
   EXPECT_EQ(kit.Top() + kit.Height(), 376);
   EXPECT_EQ(kit.Width(), 800);

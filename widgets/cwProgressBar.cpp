@@ -17,28 +17,24 @@ cwProgressBar::cwProgressBar() : Widget("cwProgressBar") {
 }
 
 void cwProgressBar::setMin(double v) {
-  min_ = v;
-  max_ = std::max(max_, min_);
-  setValue(value_);
+  range_.SetMin(v);
+  setValue(range_.value);
   Refresh();
 }
 
 void cwProgressBar::setMax(double v) {
-  max_ = v;
-  min_ = std::min(min_, max_);
-  setValue(value_);
+  range_.SetMax(v);
+  setValue(range_.value);
   Refresh();
 }
 
 void cwProgressBar::setValue(double v) {
-  v = std::clamp(v, min_, max_);
-  if (v == value_) return;
-  value_ = v;
+  if (!range_.SetValue(v)) return;
   Refresh();
 }
 
 void cwProgressBar::Clear() {
-  setValue(min_);
+  setValue(range_.min);
   Caption = "";
 }
 
@@ -58,8 +54,9 @@ void cwProgressBar::W_Paint(DrawingContext& ctx, double w, double h) {
     // The block's right edge runs from the left end to a quarter past the right one.
     const double right = 1.25 * w * marqueeTick_ / kMarqueeTicks;
     DrawPart(ctx, ThemePart::Selection, 0, right - w / 4, 0, w / 4, h);
-  } else if (max_ > min_) {
-    DrawPart(ctx, ThemePart::Selection, 0, 0, 0, w * (value_ - min_) / (max_ - min_), h);
+  } else if (range_.max > range_.min) {
+    DrawPart(ctx, ThemePart::Selection, 0, 0, 0, w * (range_.value - range_.min) / (range_.max - range_.min),
+             h);
   }
   if (Caption().empty()) return;
   ctx.SelectFont(UiFont(), kUiFontSize, StockColor(Palette::Text));
@@ -67,9 +64,9 @@ void cwProgressBar::W_Paint(DrawingContext& ctx, double w, double h) {
 }
 
 void cwProgressBar::W_ReportState(WidgetState& state) const {
-  state.value = value_;
-  state.min = min_;
-  state.max = max_;
+  state.value = range_.value;
+  state.min = range_.min;
+  state.max = range_.max;
   state.caption = Caption;
 }
 

@@ -8,6 +8,7 @@
 #include "platform/ui/PlatformRoot.h"
 #include "platform/ui/Property.h"
 #include "platform/ui/Widget.h"
+#include "widgets/ValueRange.h"
 
 namespace qds {
 
@@ -17,11 +18,11 @@ class cwProgressBar : public Widget {
  public:
   cwProgressBar();
 
-  double Min() const { return min_; }
+  double Min() const { return range_.min; }
   void setMin(double v);
-  double Max() const { return max_; }
+  double Max() const { return range_.max; }
   void setMax(double v);
-  double Value() const { return value_; }
+  double Value() const { return range_.value; }
   void setValue(double v);  // held to Min..Max
   Property<std::string> Caption{*this};
   Property<double> BorderRadius{*this, 3};
@@ -45,7 +46,7 @@ class cwProgressBar : public Widget {
   void W_ReportState(WidgetState& state) const override;
 
  private:
-  double min_ = 0, max_ = 100, value_ = 0;
+  ValueRange range_;
   ProgressStyle style_ = ProgressStyle::Normal;
   int marqueeTick_ = 0;
   Timer tmrMarquee_{*this};

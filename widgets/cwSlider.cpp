@@ -21,37 +21,33 @@ cwSlider::cwSlider() : Widget("cwSlider") {
 }
 
 void cwSlider::setMin(double v) {
-  min_ = v;
-  max_ = std::max(max_, min_);
-  setValue(value_);
+  range_.SetMin(v);
+  setValue(range_.value);
   Refresh();
 }
 
 void cwSlider::setMax(double v) {
-  max_ = v;
-  min_ = std::min(min_, max_);
-  setValue(value_);
+  range_.SetMax(v);
+  setValue(range_.value);
   Refresh();
 }
 
 void cwSlider::setValue(double v) {
-  v = std::clamp(v, min_, max_);
-  if (v == value_) return;
-  value_ = v;
+  if (!range_.SetValue(v)) return;
   Refresh();
   RaiseEvent(Changed, "Changed");
 }
 
 std::string cwSlider::ShownValue() const {
-  const std::string number = FormatDouble(value_);
+  const std::string number = FormatDouble(range_.value);
   return Unit().empty() ? number : number + " " + Unit();
 }
 
 double cwSlider::LabelWidth() const {
   // Wide enough for the widest value, so the track does not jump as it changes.
   const std::string unit = Unit().empty() ? std::string() : " " + Unit();
-  const double widest = std::max(MeasureUiText(FormatDouble(min_) + unit).width,
-                                 MeasureUiText(FormatDouble(max_) + unit).width);
+  const double widest = std::max(MeasureUiText(FormatDouble(range_.min) + unit).width,
+                                 MeasureUiText(FormatDouble(range_.max) + unit).width);
   return std::max(40.0, std::ceil(widest) + 10);
 }
 
@@ -67,16 +63,18 @@ void cwSlider::Track(double& left, double& right) const {
 double cwSlider::XOfValue() const {
   double left, right;
   Track(left, right);
-  return max_ > min_ ? left + (right - left) * (value_ - min_) / (max_ - min_) : left;
+  return range_.max > range_.min
+             ? left + (right - left) * (range_.value - range_.min) / (range_.max - range_.min)
+             : left;
 }
 
 double cwSlider::ValueAtX(double x) const {
   double left, right;
   Track(left, right);
   const double along = right > left ? std::clamp((x - left) / (right - left), 0.0, 1.0) : 0;
-  double v = min_ + along * (max_ - min_);
-  if (Step > 0) v = min_ + std::round((v - min_) / Step) * Step;
-  return std::clamp(v, min_, max_);
+  double v = range_.min + along * (range_.max - range_.min);
+  if (Step > 0) v = range_.min + std::round((v - range_.min) / Step) * Step;
+  return std::clamp(v, range_.min, range_.max);
 }
 
 void cwSlider::W_Resize() {
@@ -129,7 +127,7 @@ bool cwSlider::W_MouseUp(int button, int, double, double) {
 
 bool cwSlider::W_MouseWheel(int delta, int, double, double) {
   // Rolled away from the user, the value grows.
-  setValue(value_ + delta * Step);
+  setValue(range_.value + delta * Step);
   return true;
 }
 
@@ -151,17 +149,17 @@ bool cwSlider::W_KeyDown(int keyCode, int) {
   switch (keyCode) {
     case Key::Left:
     case Key::Down:
-      setValue(value_ - Step);
+      setValue(range_.value - Step);
       return true;
     case Key::Right:
     case Key::Up:
-      setValue(value_ + Step);
+      setValue(range_.value + Step);
       return true;
     case Key::Home:
-      setValue(min_);
+      setValue(range_.min);
       return true;
     case Key::End:
-      setValue(max_);
+      setValue(range_.max);
       return true;
     default:
       return false;
@@ -170,11 +168,11 @@ bool cwSlider::W_KeyDown(int keyCode, int) {
 
 void cwSlider::StartTyping() {
   if (edit_) return;
-  valueBeforeTyping_ = value_;
+  valueBeforeTyping_ = range_.value;
   Widget& field = Children().Add(MakeValueEditField(), "txtValue");
   edit_ = dynamic_cast<ValueEditField*>(&field);
   field.Move(Width() - LabelWidth(), 0, LabelWidth(), Height());
-  edit_->setEditText(FormatDouble(value_));
+  edit_->setEditText(FormatDouble(range_.value));
   // Each key starts the pause again; the value follows once the user stops.
   edit_->TextTyped = [this] { tmrTyped_.setEnabled(true); };
   field.SetFocus();
@@ -190,7 +188,7 @@ void cwSlider::ApplyTyped() {
   if (text.empty() || ec != std::errc() || end != text.data() + text.size() || !std::isfinite(v)) return;
   setValue(v);
   // The field shows what counts, when the number was outside the range.
-  if (edit_ && v != value_) edit_->setEditText(FormatDouble(value_));
+  if (edit_ && v != range_.value) edit_->setEditText(FormatDouble(range_.value));
 }
 
 void cwSlider::EndTyping(bool keepFocus) {
@@ -212,9 +210,9 @@ void cwSlider::W_BubblingEvent(Widget& source, const std::string& name, const st
 }
 
 void cwSlider::W_ReportState(WidgetState& state) const {
-  state.value = value_;
-  state.min = min_;
-  state.max = max_;
+  state.value = range_.value;
+  state.min = range_.min;
+  state.max = range_.max;
   state.text = edit_ ? edit_->EditText() : ShownValue();
 }
 

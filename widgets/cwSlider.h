@@ -11,6 +11,7 @@
 #include "platform/ui/PlatformRoot.h"
 #include "platform/ui/Property.h"
 #include "platform/ui/Widget.h"
+#include "widgets/ValueRange.h"
 
 namespace qds {
 
@@ -22,11 +23,11 @@ class cwSlider : public Widget {
 
   // Shown after the number ("px", "%").
   Property<std::string> Unit{*this};
-  double Min() const { return min_; }
+  double Min() const { return range_.min; }
   void setMin(double v);
-  double Max() const { return max_; }
+  double Max() const { return range_.max; }
   void setMax(double v);
-  double Value() const { return value_; }
+  double Value() const { return range_.value; }
   // Held to Min..Max; Changed follows when the value is a new one.
   void setValue(double v);
   // The wheel and the arrow keys move by it; a value taken from the track
@@ -66,7 +67,7 @@ class cwSlider : public Widget {
   void ApplyTyped();
   void EndTyping(bool keepFocus);
 
-  double min_ = 0, max_ = 100, value_ = 0;
+  ValueRange range_;
   bool dragging_ = false;
   ValueEditField* edit_ = nullptr;
   double valueBeforeTyping_ = 0;

@@ -433,6 +433,12 @@ TEST(WidgetKit, AProgressBarPaintsItsFractionAndItsMarqueeRunsAcrossAndComesRoun
   const Bgra accent = Opaque(StockColor(Palette::Accent)), track = Opaque(StockColor(Palette::Border));
   const auto at = [&](int x) { return PixelAt(ui.Screenshot(form), x, 12); };
 
+  // A bound that passes the other takes it, and the value, along.
+  bar.setValue(80);
+  bar.setMin(150);
+  EXPECT_EQ(bar.Max(), 150);
+  EXPECT_EQ(bar.Value(), 150);
+  bar.setMin(0);
   bar.setMax(200);
   bar.setValue(50);  // a quarter
   bar.Caption = "Busy";

@@ -2,8 +2,10 @@
 // Drives a form like a user on the headless backend: click a widget, type,
 // press keys, and look at the form.
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/Bytes.h"
 #include "platform/DrawingSurface.h"
@@ -57,6 +59,20 @@ class UiDriver {
     for (char32_t c : qds::DecodeUtf8(text))
       Push(qds::UiEvent::Type::KeyPress, form, 0, 0, static_cast<int>(c), 0, 0);
     root_.DoEvents();
+  }
+  // Runs one act per idle turn of a modal dialog's loop, as a user acts
+  // while it waits; a dialog still open when they run out makes the loop
+  // complain.
+  void WhileOpen(std::vector<std::function<void()>> acts) {
+    auto list = std::make_shared<std::vector<std::function<void()>>>(std::move(acts));
+    backend_->OnIdle = [list, next = std::size_t{0}]() mutable {
+      if (next < list->size()) (*list)[next++]();
+    };
+  }
+  // A key pressed and let go on the form, queued for the loop.
+  void PushKey(qds::cfForm& form, int keyCode) {
+    Push(qds::UiEvent::Type::KeyDown, form, 0, 0, keyCode, 0, 0);
+    Push(qds::UiEvent::Type::KeyUp, form, 0, 0, keyCode, 0, 0);
   }
   // A copy of what the form shows now; later painting leaves it alone.
   qds::SurfacePtr Screenshot(qds::cfForm& form) {

@@ -37,19 +37,6 @@ struct Owner : cfForm {
   }
 };
 
-// Runs one act per idle turn of the dialog's loop.
-void WhileOpen(UiDriver& ui, std::vector<std::function<void()>> acts) {
-  auto list = std::make_shared<std::vector<std::function<void()>>>(std::move(acts));
-  ui.Backend().OnIdle = [list, next = std::size_t{0}]() mutable {
-    if (next < list->size()) (*list)[next++]();
-  };
-}
-
-void PushKey(UiDriver& ui, cfForm& form, int keyCode) {
-  ui.Backend().Push({UiEvent::Type::KeyDown, &form, 0, 0, keyCode, 0, 0});
-  ui.Backend().Push({UiEvent::Type::KeyUp, &form, 0, 0, keyCode, 0, 0});
-}
-
 // Types `text` into the box, key by key.
 void PushType(UiDriver& ui, cwTextBox& box, const std::string& text) {
   box.SetFocus();
@@ -160,29 +147,29 @@ TEST(FileDialog, OpenTakesAnExistingFileOfItsExtensionAndRefusesAMissingOne) {
   auto& box = *files.Find<cwTextBox>("txtFile");
   auto& list = *files.Find<cwFileList>("FileList");
   int result = -1;
-  WhileOpen(s.ui, {[&] {
-                     // Only the pictures of the extension, whatever their case.
-                     EXPECT_EQ(Rows(list), (std::vector<std::string>{"a.svg", "b.SVG"}));
-                     EXPECT_TRUE(box.HasFocus());
-                     EXPECT_TRUE(MatchesGolden(Masked(dialog, files, {"DirList"}), "file_dialog"));
-                     PushAt(s.ui, list.W_ItemPoint("b.SVG"));
-                   },
-                   [&] {
-                     EXPECT_EQ(box.Text(), "b.SVG");
-                     EXPECT_EQ(files.Filepath(), s.dir / "b.SVG");
-                     PushRetype(s.ui, box, "gone.svg");
-                     PushKey(s.ui, dialog, Key::Return);
-                   },
-                   [&] {
-                     // Still open, and it says why.
-                     EXPECT_TRUE(dialog.Showing());
-                     EXPECT_EQ(files.Message(), "The file does not exist.");
-                     PushAt(s.ui, list.W_ItemPoint("a.svg"));
-                   },
-                   [&] {
-                     EXPECT_EQ(files.Message(), "");
-                     s.ui.PushClick(*files.Find("btnOk"));
-                   }});
+  s.ui.WhileOpen({[&] {
+                    // Only the pictures of the extension, whatever their case.
+                    EXPECT_EQ(Rows(list), (std::vector<std::string>{"a.svg", "b.SVG"}));
+                    EXPECT_TRUE(box.HasFocus());
+                    EXPECT_TRUE(MatchesGolden(Masked(dialog, files, {"DirList"}), "file_dialog"));
+                    PushAt(s.ui, list.W_ItemPoint("b.SVG"));
+                  },
+                  [&] {
+                    EXPECT_EQ(box.Text(), "b.SVG");
+                    EXPECT_EQ(files.Filepath(), s.dir / "b.SVG");
+                    PushRetype(s.ui, box, "gone.svg");
+                    s.ui.PushKey(dialog, Key::Return);
+                  },
+                  [&] {
+                    // Still open, and it says why.
+                    EXPECT_TRUE(dialog.Showing());
+                    EXPECT_EQ(files.Message(), "The file does not exist.");
+                    PushAt(s.ui, list.W_ItemPoint("a.svg"));
+                  },
+                  [&] {
+                    EXPECT_EQ(files.Message(), "");
+                    s.ui.PushClick(*files.Find("btnOk"));
+                  }});
   dialog.ShowWidget(std::move(made), "Open", 10, 10, 440, 300, result);
   EXPECT_EQ(result, ToolResult::Ok);
   EXPECT_EQ(files.Filepath(), s.dir / "a.svg");
@@ -196,11 +183,11 @@ TEST(FileDialog, OpenTakesAnExistingFileOfItsExtensionAndRefusesAMissingOne) {
   auto again = std::make_unique<cwFileDialog>();
   cwFileDialog& second = *again;
   second.setSelectedPath(s.dir.Path());
-  WhileOpen(s.ui, {[&] { PushAt(s.ui, second.Find("FileList")->W_ItemPoint("notes.txt"), true); }});
+  s.ui.WhileOpen({[&] { PushAt(s.ui, second.Find("FileList")->W_ItemPoint("notes.txt"), true); }});
   dialog.ShowWidget(std::move(again), "Open", 10, 10, 440, 300, result);
   EXPECT_EQ(result, ToolResult::Ok);
   EXPECT_EQ(second.Filepath(), s.dir / "notes.txt");
-  WhileOpen(s.ui, {[&] { PushKey(s.ui, dialog, Key::Escape); }});
+  s.ui.WhileOpen({[&] { s.ui.PushKey(dialog, Key::Escape); }});
   dialog.ShowWidget(std::make_unique<cwFileDialog>(), "Open", 10, 10, 440, 300, result);
   EXPECT_EQ(result, ToolResult::Cancel);
 }
@@ -226,17 +213,17 @@ TEST(FileDialog, SaveJoinsFolderAndNameAndRefusesAFolderThatIsNotThere) {
 
   auto& box = *files.Find<cwTextBox>("txtFile");
   int result = -1;
-  WhileOpen(s.ui, {[&] {
-                     PushRetype(s.ui, box, "nowhere/new.svg");
-                     PushKey(s.ui, dialog, Key::Return);
-                   },
-                   [&] {
-                     EXPECT_TRUE(dialog.Showing());
-                     EXPECT_EQ(files.Message(), "The target folder does not exist.");
-                     EXPECT_EQ(box.Text(), "nowhere/new.svg");
-                     PushRetype(s.ui, box, "new.svg");
-                     PushKey(s.ui, dialog, Key::Return);
-                   }});
+  s.ui.WhileOpen({[&] {
+                    PushRetype(s.ui, box, "nowhere/new.svg");
+                    s.ui.PushKey(dialog, Key::Return);
+                  },
+                  [&] {
+                    EXPECT_TRUE(dialog.Showing());
+                    EXPECT_EQ(files.Message(), "The target folder does not exist.");
+                    EXPECT_EQ(box.Text(), "nowhere/new.svg");
+                    PushRetype(s.ui, box, "new.svg");
+                    s.ui.PushKey(dialog, Key::Return);
+                  }});
   dialog.ShowWidget(std::move(made), "Save", 10, 10, 440, 300, result);
   // A new name in a folder that is there is fine to save under.
   EXPECT_EQ(result, ToolResult::Ok);
@@ -309,36 +296,36 @@ TEST(FolderDialog, AClickOrTypingChoosesTheFolderOkTellsItAndEscapeDoesNot) {
   auto& box = *folders.Find<cwTextBox>("txtFolder");
   auto& dirs = *folders.Find<cwDirList>("DirList");
   int result = -1;
-  WhileOpen(s.ui,
-            {[&] {
-               EXPECT_EQ(dirs.Path(), Bare(s.dir.Path()));
-               EXPECT_TRUE(box.HasFocus());
-               EXPECT_TRUE(MatchesGolden(Masked(dialog, folders, {"DirList", "txtFolder"}), "folder_dialog"));
-               PushAt(s.ui, dirs.W_ItemPoint("sub"));
-             },
-             [&] {
-               // The whole path goes into the box; the list stays to click on.
-               EXPECT_EQ(box.Text(), s.dir / "sub");
-               EXPECT_EQ(dirs.Path(), Bare(s.dir.Path()));
-               PushRetype(s.ui, box, s.dir / "other");
-             },
-             [&] {
-               EXPECT_EQ(dirs.Path(), s.dir / "other");
-               EXPECT_EQ(box.Text(), s.dir / "other");
-               // On to a folder that is not there: the list stays.
-               PushType(s.ui, box, "/absent");
-             },
-             [&] {
-               EXPECT_EQ(dirs.Path(), s.dir / "other");
-               PushKey(s.ui, dialog, Key::Return);
-             },
-             [&] {
-               EXPECT_TRUE(dialog.Showing());
-               EXPECT_EQ(folders.Message(), "The target folder does not exist.");
-               EXPECT_TRUE(told.empty());
-               PushRetype(s.ui, box, s.dir / "sub");
-               PushKey(s.ui, dialog, Key::Return);
-             }});
+  s.ui.WhileOpen(
+      {[&] {
+         EXPECT_EQ(dirs.Path(), Bare(s.dir.Path()));
+         EXPECT_TRUE(box.HasFocus());
+         EXPECT_TRUE(MatchesGolden(Masked(dialog, folders, {"DirList", "txtFolder"}), "folder_dialog"));
+         PushAt(s.ui, dirs.W_ItemPoint("sub"));
+       },
+       [&] {
+         // The whole path goes into the box; the list stays to click on.
+         EXPECT_EQ(box.Text(), s.dir / "sub");
+         EXPECT_EQ(dirs.Path(), Bare(s.dir.Path()));
+         PushRetype(s.ui, box, s.dir / "other");
+       },
+       [&] {
+         EXPECT_EQ(dirs.Path(), s.dir / "other");
+         EXPECT_EQ(box.Text(), s.dir / "other");
+         // On to a folder that is not there: the list stays.
+         PushType(s.ui, box, "/absent");
+       },
+       [&] {
+         EXPECT_EQ(dirs.Path(), s.dir / "other");
+         s.ui.PushKey(dialog, Key::Return);
+       },
+       [&] {
+         EXPECT_TRUE(dialog.Showing());
+         EXPECT_EQ(folders.Message(), "The target folder does not exist.");
+         EXPECT_TRUE(told.empty());
+         PushRetype(s.ui, box, s.dir / "sub");
+         s.ui.PushKey(dialog, Key::Return);
+       }});
   s.owner.heard.clear();
   dialog.ShowWidget(std::move(made), "Folder", 10, 10, 360, 320, result);
   EXPECT_EQ(result, ToolResult::Ok);
@@ -351,7 +338,7 @@ TEST(FolderDialog, AClickOrTypingChoosesTheFolderOkTellsItAndEscapeDoesNot) {
   again->setFolder(s.dir.Path());
   again->ValueChanged = [&](std::string folder) { told.push_back(folder); };
   s.owner.heard.clear();
-  WhileOpen(s.ui, {[&] { PushKey(s.ui, dialog, Key::Escape); }});
+  s.ui.WhileOpen({[&] { s.ui.PushKey(dialog, Key::Escape); }});
   dialog.ShowWidget(std::move(again), "Folder", 10, 10, 360, 320, result);
   EXPECT_EQ(result, ToolResult::Cancel);
   EXPECT_EQ(told.size(), 1u);

@@ -76,20 +76,6 @@ struct Owner : cfForm {
   }
 };
 
-// Runs one act per idle turn of the dialog's loop, as a user acts while it
-// waits; a dialog still open when they run out makes the loop complain.
-void WhileOpen(UiDriver& ui, std::vector<std::function<void()>> acts) {
-  auto list = std::make_shared<std::vector<std::function<void()>>>(std::move(acts));
-  ui.Backend().OnIdle = [list, next = std::size_t{0}]() mutable {
-    if (next < list->size()) (*list)[next++]();
-  };
-}
-
-void PushKey(UiDriver& ui, cfForm& form, int keyCode) {
-  ui.Backend().Push({UiEvent::Type::KeyDown, &form, 0, 0, keyCode, 0, 0});
-  ui.Backend().Push({UiEvent::Type::KeyUp, &form, 0, 0, keyCode, 0, 0});
-}
-
 }  // namespace
 
 TEST(ToolWindows, ADialogScalesWithTheUserZoomTakesTypingAndAnswersByItsKeysAndButtons) {
@@ -110,26 +96,26 @@ TEST(ToolWindows, ADialogScalesWithTheUserZoomTakesTypingAndAnswersByItsKeysAndB
   cfToolDialog dialog;
   dialog.ImageKey = "Logo";
   int result = -1;
-  WhileOpen(ui, {[&] {
-              EXPECT_TRUE(dialog.Showing() && dialog.Modal());
-              EXPECT_EQ(dialog.ScreenX(), 150);
-              EXPECT_EQ(dialog.ScreenY(), 120);
-              const SurfacePtr picture = dialog.Surface()->Copy();
-              EXPECT_EQ(picture->Width(), 300);
-              EXPECT_EQ(picture->Height(), (100 + 30) * 1.5);
-              // The caption strip is 45 pixels high, the tool fills the rest.
-              EXPECT_FALSE(Near(PixelAt(picture, 150, 40), {0x20, 0xC0, 0x40, 255}));
-              EXPECT_TRUE(Near(PixelAt(picture, 150, 47), {0x20, 0xC0, 0x40, 255}));
-              EXPECT_TRUE(Near(PixelAt(picture, 290, 185), {0x20, 0xC0, 0x40, 255}));
-              EXPECT_TRUE(MatchesGolden(picture, "tool_dialog"));
-              EXPECT_EQ(dialog.Hosted()->Width() * dialog.Zoom(), 300);
-              EXPECT_EQ(dialog.Hosted()->Height() * dialog.Zoom(), 150);
-              EXPECT_EQ(dialog.IconKey(), "Logo");
-              // The text input has the focus though a button comes first; Return
-              // there presses the Default button.
-              EXPECT_TRUE(dialog.Hosted()->Find("txtName")->HasFocus());
-              PushKey(ui, dialog, Key::Return);
-            }});
+  ui.WhileOpen({[&] {
+    EXPECT_TRUE(dialog.Showing() && dialog.Modal());
+    EXPECT_EQ(dialog.ScreenX(), 150);
+    EXPECT_EQ(dialog.ScreenY(), 120);
+    const SurfacePtr picture = dialog.Surface()->Copy();
+    EXPECT_EQ(picture->Width(), 300);
+    EXPECT_EQ(picture->Height(), (100 + 30) * 1.5);
+    // The caption strip is 45 pixels high, the tool fills the rest.
+    EXPECT_FALSE(Near(PixelAt(picture, 150, 40), {0x20, 0xC0, 0x40, 255}));
+    EXPECT_TRUE(Near(PixelAt(picture, 150, 47), {0x20, 0xC0, 0x40, 255}));
+    EXPECT_TRUE(Near(PixelAt(picture, 290, 185), {0x20, 0xC0, 0x40, 255}));
+    EXPECT_TRUE(MatchesGolden(picture, "tool_dialog"));
+    EXPECT_EQ(dialog.Hosted()->Width() * dialog.Zoom(), 300);
+    EXPECT_EQ(dialog.Hosted()->Height() * dialog.Zoom(), 150);
+    EXPECT_EQ(dialog.IconKey(), "Logo");
+    // The text input has the focus though a button comes first; Return
+    // there presses the Default button.
+    EXPECT_TRUE(dialog.Hosted()->Find("txtName")->HasFocus());
+    ui.PushKey(dialog, Key::Return);
+  }});
   dialog.ShowWidget(std::make_unique<NameTool>(), "Name", 100, 80, 200, 100, result);
   EXPECT_EQ(result, 7);
   EXPECT_FALSE(dialog.Showing());
@@ -142,25 +128,25 @@ TEST(ToolWindows, ADialogScalesWithTheUserZoomTakesTypingAndAnswersByItsKeysAndB
   // Escape presses Cancel; Alt and PrintScreen change nothing; the owner
   // hears what the tool's widgets tell.
   owner.heard.clear();
-  WhileOpen(ui, {[&] {
-                   PushKey(ui, dialog, Key::AltKey);
-                   PushKey(ui, dialog, Key::PrintScreen);
-                 },
-                 [&] {
-                   EXPECT_TRUE(dialog.Showing());
-                   ui.PushClick(*dialog.Hosted()->Find("btnPick"));
-                 },
-                 [&] { PushKey(ui, dialog, Key::Escape); }});
+  ui.WhileOpen({[&] {
+                  ui.PushKey(dialog, Key::AltKey);
+                  ui.PushKey(dialog, Key::PrintScreen);
+                },
+                [&] {
+                  EXPECT_TRUE(dialog.Showing());
+                  ui.PushClick(*dialog.Hosted()->Find("btnPick"));
+                },
+                [&] { ui.PushKey(dialog, Key::Escape); }});
   dialog.ShowWidget(std::make_unique<NameTool>(), "Name", 100, 80, 200, 100, result);
   EXPECT_EQ(result, 42);
   EXPECT_EQ(owner.heard, (std::vector<std::string>{"ToolWidget:Picked", "btnPick:Click", "btnCancel:Click"}));
 
   // Without a Cancel button Escape closes as cancelled; so does the
   // desktop's close box, and the widget stays there to be read.
-  WhileOpen(ui, {[&] { PushKey(ui, dialog, Key::Escape); }});
+  ui.WhileOpen({[&] { ui.PushKey(dialog, Key::Escape); }});
   dialog.ShowWidget(std::make_unique<NameTool>(false), "Name", 100, 80, 200, 100, result);
   EXPECT_EQ(result, ToolResult::Cancel);
-  WhileOpen(ui, {[&] { ui.Backend().Push({UiEvent::Type::Close, &dialog}); }});
+  ui.WhileOpen({[&] { ui.Backend().Push({UiEvent::Type::Close, &dialog}); }});
   Widget& kept = dialog.ShowWidget(std::make_unique<NameTool>(false), "Name", 100, 80, 200, 100, result);
   EXPECT_EQ(result, ToolResult::Cancel);
   EXPECT_FALSE(dialog.Showing());

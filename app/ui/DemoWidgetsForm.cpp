@@ -1,5 +1,6 @@
 #include "app/ui/DemoWidgetsForm.h"
 
+#include "app/ui/DemoListsPanel.h"
 #include "app/ui/cwMsgBox.h"
 #include "app/ui/modMessages.h"
 #include "platform/Bytes.h"
@@ -90,9 +91,9 @@ DemoWidgetsForm::~DemoWidgetsForm() = default;
 
 DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   Caption = "Quillaron Design Studio: widgets";
-  Resize(580, 360);
+  Resize(830, 460);
   Sizable = true;
-  MinWidth = 580, MinHeight = 360;
+  MinWidth = 830, MinHeight = 460;
   BackColor = StockColor(Palette::Back);
   setIconKey("Logo");
 
@@ -242,6 +243,12 @@ DemoWidgetsForm::DemoWidgetsForm() : cfForm("DemoWidgetsForm") {
   hex.setInputFilter(1);
   hex.setAllowedChars("A,B,C,D,E,F");
   hex.setBoxHint(24, 0);
+
+  // The lists, left of the column.
+  auto& lists = Children().Add<DemoListsPanel>("pnlLists");
+  lists.Move(0, 0, 250, 0);
+  lists.setDock(Dock::Right);
+  lists.Tell = [this](const std::string& line) { status_->Caption = line; };
 
   auto& ask = Children().Add<cwButton>("btnAsk");
   ask.Caption = "Ask…";

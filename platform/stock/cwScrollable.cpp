@@ -32,11 +32,13 @@ double Reveal(double offset, double start, double size, double view) {
 // A bar's range and value for an offset of 0..most: whole units, and the end
 // of the bar for the end of the content.
 int BarMax(double most) {
-  return std::max(0, static_cast<int>(std::ceil(most - 1e-9)));
+  // Past the bar's whole numbers the end stays reachable through the offset.
+  return std::max(0, static_cast<int>(std::ceil(std::min(most, 2e9) - 1e-9)));
 }
 
 int BarValue(double offset, double most) {
-  return most > 0 && offset >= most - 1e-9 ? BarMax(most) : static_cast<int>(std::lround(offset));
+  return most > 0 && offset >= most - 1e-9 ? BarMax(most)
+                                           : static_cast<int>(std::lround(std::min(offset, 2e9)));
 }
 
 }  // namespace
@@ -50,7 +52,7 @@ cwScrollable::cwScrollable(std::string typeName, const std::string& vBarKey, con
     bar->Max = 0;
   }
   vBar_->Change = [this] {
-    if (!syncing_) ScrollTo(ScrollX(), vBar_->Value());
+    if (!syncing_) ScrollTo(ScrollX(), vBar_->Value() * BarUnitY);
   };
   hBar_->Change = [this] {
     if (!syncing_) ScrollTo(hBar_->Value(), ScrollY());
@@ -132,10 +134,11 @@ void cwScrollable::EnsureVisible(double x, double y, double w, double h) {
 void cwScrollable::SyncBars() {
   syncing_ = true;
   const double mostX = MaxScrollX(), mostY = MaxScrollY();
-  vBar_->Max = BarMax(mostY);
-  vBar_->SmallChange = std::max(1, static_cast<int>(std::lround(LineStepY)));
-  vBar_->LargeChange = std::max(1, static_cast<int>(std::lround(PageStepY())));
-  vBar_->setValue(BarValue(ScrollY(), mostY));
+  const double unitY = BarUnitY > 0 ? BarUnitY : 1;
+  vBar_->Max = BarMax(mostY / unitY);
+  vBar_->SmallChange = std::max(1, static_cast<int>(std::lround(LineStepY / unitY)));
+  vBar_->LargeChange = std::max(1, static_cast<int>(std::lround(PageStepY() / unitY)));
+  vBar_->setValue(BarValue(ScrollY() / unitY, mostY / unitY));
   hBar_->Max = BarMax(mostX);
   hBar_->SmallChange = std::max(1, static_cast<int>(std::lround(LineStepX)));
   hBar_->LargeChange = std::max(1, static_cast<int>(std::lround(PageStepX())));

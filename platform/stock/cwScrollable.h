@@ -65,6 +65,10 @@ class cwScrollable : public Widget {
   int WheelLines = 3;
   double PageStepX() const { return ViewWidth(); }
   double PageStepY() const { return ViewHeight(); }
+  // What one step of the vertical bar's value is worth in content units. A
+  // list of lines counts its bar in lines, so that a list of any length
+  // stays within the bar's whole numbers.
+  double BarUnitY = 1;
 
   cwScrollBar& VBar() const { return *vBar_; }
   cwScrollBar& HBar() const { return *hBar_; }

@@ -155,7 +155,8 @@ void cwVListNew::ClearSelections() {
 }
 
 std::vector<int> cwVListNew::GetSelections() const {
-  return bits_.Rows();
+  if (multiSelect_) return bits_.Rows();
+  return listIndex_ >= 0 ? std::vector<int>{listIndex_} : std::vector<int>{};
 }
 
 // --- sizes -------------------------------------------------------------------
@@ -345,11 +346,7 @@ void cwVListNew::W_ReportState(WidgetState& state) const {
   state.listCount = count_;
   state.listIndex = listIndex_;
   state.scrollIndex = scrollIndex_;
-  if (multiSelect_) {
-    state.selected = GetSelections();
-  } else {
-    state.selected = listIndex_ >= 0 ? std::vector<int>{listIndex_} : std::vector<int>{};
-  }
+  state.selected = GetSelections();
 }
 
 // --- painting ------------------------------------------------------------------
@@ -397,18 +394,23 @@ void cwVListNew::PaintContent(DrawingContext& ctx, double, double, double, doubl
       ctx.Rectangle(x, y, w, h);
       ctx.Fill();
     }
+    // Cells of a grid keep a line between them, so a selection of several
+    // still reads as cells.
+    const double inset = imageView_ ? 1 : 0;
     if (showSelection_ && Selected(index)) {
-      DrawPart(ctx, ThemePart::Selection, HasFocus() ? ThemeState::Focused : ThemeState::Normal, x, y, w, h);
+      DrawPart(ctx, ThemePart::Selection, HasFocus() ? ThemeState::Focused : ThemeState::Normal, x, y + inset,
+               w, h - 2 * inset);
     } else if (showHoverBar_ && index == hoverIndex_) {
       ctx.SetSourceColor(StockColor(Palette::Hover));
-      ctx.Rectangle(x, y, w, h);
+      ctx.Rectangle(x, y + inset, w, h - 2 * inset);
       ctx.Fill();
     }
     Invoke(OwnerDrawItem, "OwnerDrawItem", index, ctx, x, y, w, h);
     if (index == listIndex_ && HasFocus()) {
-      ctx.SetSourceColor(StockColor(Palette::Accent));
+      // In the text colour, so it shows on the selection too.
+      ctx.SetSourceColor(StockColor(Palette::Text));
       ctx.SetLineWidth(1);
-      ctx.Rectangle(x + 0.5, y + 0.5, w - 1, h - 1);
+      ctx.Rectangle(x + 0.5, y + inset + 0.5, w - 1, h - 2 * inset - 1);
       ctx.Stroke();
     }
   }

@@ -11,6 +11,7 @@
 #include "platform/DrawingSurface.h"
 #include "platform/Files.h"
 #include "tests/support/Golden.h"
+#include "tests/support/ScriptRun.h"
 #include "tests/support/TempDir.h"
 
 using namespace qds;
@@ -18,36 +19,12 @@ using Json = nlohmann::json;
 
 namespace {
 
-struct ScriptRun {
-  int code = -1;
-  std::string err;
-};
-
-// Runs SCRIPT in `dir`, where its files go.
 ScriptRun RunScript(const TempDir& dir, const std::string& script) {
-  WriteUtf8Text(dir / "script.txt", script);
-  const std::string command = "cd '" + dir.Path() + "' && '" + QDS_APP_EXE +
-                              "' --demo-widgets --automate script.txt 2> err.txt > out.txt";
-  const int status = std::system(command.c_str());
-  ScriptRun r;
-  r.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  r.err = ReadAllText(dir / "err.txt");
-  return r;
+  return RunDemoScript(dir, script);
 }
 
 Json Load(const TempDir& dir, const std::string& name) {
-  return Json::parse(ReadAllText(dir / name));
-}
-
-// The dump's object of the widget with that path on the named form.
-Json WidgetOf(const Json& dump, const std::string& form, const std::string& path) {
-  for (const Json& f : dump["forms"]) {
-    if (f["name"] != form) continue;
-    for (const Json& w : f["widgets"]) {
-      if (w["path"] == path) return w;
-    }
-  }
-  return Json();
+  return LoadDump(dir, name);
 }
 
 bool HasForm(const Json& dump, const std::string& name) {
@@ -216,11 +193,11 @@ type ab
 key Return
 key Back
 expect txtNotes text ab
-click sldDemo at 120 12
+click sldDemo item value
 type 55
 key Return
 expect sbStatus caption Opacity: 55 % (changes: 1)
-click sldDemo at 120 12
+click sldDemo item value
 type 55
 key Return
 expect sldDemo value 55

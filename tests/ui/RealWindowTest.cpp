@@ -186,7 +186,7 @@ TEST(RealWindow, TheDemonstrationFormUnderXLooksAsItDoesWithoutADisplay) {
     EXPECT_NEAR(middle(dialog, "x", "width"), middle(main, "x", "width"), 1);
     EXPECT_NEAR(middle(dialog, "y", "height"), middle(main, "y", "height"), 1);
     EXPECT_GT(main["x"].get<int>(), 0);  // where SDL put it, in the middle of the screen
-    EXPECT_EQ(main["width"], 580);
+    EXPECT_EQ(main["width"], 830);
   } else {
     ADD_FAILURE() << "the script wrote no dump";
   }

@@ -153,19 +153,20 @@ TEST(StockWidgets, TheDemonstrationFormWorksWithoutADisplay) {
 
   // Made larger, the form keeps its column to the right edge, lets the tree
   // and the scroll bar take the new height, and the status bar the bottom.
-  form.Resize(800, 400);
+  form.Resize(1050, 500);
   ui.Root().DoEvents();
   Widget& side = form.Children().Item("pnlSide");
-  EXPECT_EQ(side.Left(), 600);
-  EXPECT_EQ(status.Top(), 376);
-  EXPECT_EQ(status.Width(), 800);
+  EXPECT_EQ(side.Left(), 850);
+  EXPECT_EQ(form.Children().Item("pnlLists").Left(), 850 - 250);
+  EXPECT_EQ(status.Top(), 476);
+  EXPECT_EQ(status.Width(), 1050);
   // The band of small controls keeps its height over the status bar.
-  EXPECT_EQ(side.Children().Item("treDemo").Height(), 90 + 40);
-  EXPECT_EQ(side.Children().Item("txtHex").Top() + 24, 376 - 74 - 10);
+  EXPECT_EQ(side.Children().Item("treDemo").Height(), 90 + 140);
+  EXPECT_EQ(side.Children().Item("txtHex").Top() + 24, 476 - 74 - 10);
   EXPECT_EQ(form.Children().Item("vsbDemo").Height(), 200 + 40);
   Widget& kit = form.Children().Item("pnlKit");
-  EXPECT_EQ(kit.Top() + kit.Height(), 376);
-  EXPECT_EQ(kit.Width(), 800);
+  EXPECT_EQ(kit.Top() + kit.Height(), 476);
+  EXPECT_EQ(kit.Width(), 1050);
 }
 
 TEST(StockWidgets, ScrollBarsMoveByArrowTrackThumbAndWheelWithinTheirRange) {

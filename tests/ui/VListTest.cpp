@@ -216,6 +216,17 @@ TEST(VList, ClicksToggleRangesAndKeepADraggableSelectionUntilTheRelease) {
   EXPECT_EQ(l.GetSelections(), (std::vector<int>{1, 2, 3, 4}));
   EXPECT_EQ(f.events, (std::vector<std::string>{"Click 1", "Click 4", "Up"}));
 
+  // A row pressed and dragged at once is dragged selected, alone.
+  l.AllowDrag = true;
+  std::vector<int> dragged;
+  l.DragStartSrc = [&] { dragged = l.GetSelections(); };
+  f.Mouse(UiEvent::Type::MouseDown, 40, 2 + 6 * 17 + 8);
+  f.Mouse(UiEvent::Type::MouseMove, 40, 2 + 6 * 17 + 14);
+  EXPECT_EQ(dragged, std::vector<int>{6});
+  EXPECT_EQ(l.ListIndex(), 6);
+  f.Mouse(UiEvent::Type::MouseUp, 40, 2 + 6 * 17 + 14);
+  EXPECT_EQ(l.GetSelections(), std::vector<int>{6});
+
   // A click beside the rows clears the current row only when asked to.
   ListForm g(3);
   g.ClickRow(1);
@@ -405,6 +416,9 @@ TEST(VList, TheWheelAndTheBarMoveByWholeLines) {
   l.setRowHeight(20);
   EXPECT_EQ(l.ScrollIndex(), 41);
   EXPECT_EQ(l.ScrollY(), 41 * 20);
+  l.setRowHeight(5);  // the old offset is past the new end
+  EXPECT_EQ(l.ScrollIndex(), 41);
+  EXPECT_EQ(l.ScrollY(), 41 * 5);
   // The row selector's edge sizes every line.
   ListForm g(10);
   g.list.setRowSelectorWidth(12);

@@ -4,45 +4,17 @@
 
 #include "platform/DrawingContext.h"
 #include "platform/stock/StockDrawing.h"
-#include "platform/stock/cwListBase.h"
 #include "platform/ui/WidgetRegistry.h"
+#include "widgets/cwVListNew.h"
 
 namespace qds {
 
-// The list in the pop-up. Moving over it or the keys move the highlight;
-// a release on a row, a double click or Return take the highlighted row.
-class DropDownListRows : public cwListBase {
+// The list in the pop-up, which takes Return for its owner.
+class DropDownRows : public cwVListNew {
  public:
-  explicit DropDownListRows(cwDropDownList& owner) : cwListBase("DropDownListRows"), owner_(owner) {}
-
-  void ShowRows() {
-    std::vector<Row> rows;
-    rows.reserve(owner_.rows_.size());
-    for (const DataRow& r : owner_.rows_) rows.push_back({r.Field(owner_.dataField_), 0, false});
-    SetRows(std::move(rows), owner_.index_);
-  }
-  bool ContentMouseDown(int button, int, double, double y) override {
-    if (button != Button::Left) return false;
-    if (const int row = RowAtY(y); row >= 0) setListIndex(row);
-    return true;
-  }
-  bool ContentMouseMove(int, int, double, double y) override {
-    if (const int row = RowAtY(y); row >= 0) setListIndex(row);
-    return true;
-  }
-  bool ContentMouseUp(int button, int, double, double y) override {
-    if (button != Button::Left) return false;
-    if (const int row = RowAtY(y); row >= 0) owner_.Take(row);
-    return true;
-  }
-
- protected:
-  void Activated(int index) override { owner_.Take(index); }
-  void PaintRow(DrawingContext& ctx, int index, double y, double w, bool) override {
-    const std::string& text = List(index);
-    ctx.SelectFont(owner_.IsFontSelection && !text.empty() ? text : UiFont(), kUiFontSize,
-                   StockColor(Palette::Text));
-    ctx.DrawText(6, y, w - 10, RowHeight, text, true, TextAlign::Left, TextAlign::Middle);
+  explicit DropDownRows(cwDropDownList& owner) : owner_(owner) {}
+  bool W_KeyDown(int keyCode, int shift) override {
+    return owner_.ListKeyDown(keyCode) || cwVListNew::W_KeyDown(keyCode, shift);
   }
 
  private:
@@ -50,8 +22,20 @@ class DropDownListRows : public cwListBase {
 };
 
 cwDropDownList::cwDropDownList() : cwDropDown("cwDropDownList") {
-  auto rows = std::make_unique<DropDownListRows>(*this);
+  auto rows = std::make_unique<DropDownRows>(*this);
   list_ = rows.get();
+  list_->setRowHeight(kRowHeight);
+  list_->OwnerDrawItem = [this](int index, DrawingContext& ctx, double dx, double dy, double) {
+    const std::string text = rows_.at(index).Field(dataField_);
+    ctx.SelectFont(IsFontSelection && !text.empty() ? text : UiFont(), kUiFontSize,
+                   StockColor(Palette::Text));
+    ctx.DrawText(6, 0, dx - 10, dy, text, true, TextAlign::Left, TextAlign::Middle);
+  };
+  // The pointer shows the row it would take; the keys move the current row
+  // without taking it, and Return or a release takes it.
+  list_->MouseUpClick = [this] {
+    if (list_->ListIndex() >= 0) Take(list_->ListIndex());
+  };
   setContent(std::move(rows));
 }
 
@@ -62,7 +46,7 @@ void cwDropDownList::SetDataSource(DataRows rows, const std::string& dataField,
   dataField_ = dataField;
   dataSourceKey_ = dataSourceKey;
   index_ = chosen.empty() ? -1 : IndexOfKey(chosen);
-  if (IsOpen()) list_->ShowRows();
+  if (IsOpen()) ShowRows();
   Refresh();
 }
 
@@ -97,10 +81,23 @@ std::string cwDropDownList::Text() const {
 
 void cwDropDownList::OpenDropDown() {
   if (IsOpen() || rows_.empty()) return;
-  DropHeight = std::min(ListCount(), kMostRowsShown) * list_->RowHeight;
+  // Room for the rows within the list's frame and the gap above them.
+  DropHeight = std::min(ListCount(), kMostRowsShown) * kRowHeight + 3;
   cwDropDown::OpenDropDown();
-  list_->ShowRows();
+  ShowRows();
   list_->SetFocus();
+}
+
+void cwDropDownList::ShowRows() {
+  list_->setListCount(ListCount());
+  list_->setListIndex(index_);
+  list_->EnsureVisibleSelection();
+}
+
+bool cwDropDownList::ListKeyDown(int keyCode) {
+  if (keyCode != Key::Return) return false;
+  if (list_->ListIndex() >= 0) Take(list_->ListIndex());
+  return true;
 }
 
 void cwDropDownList::Take(int index) {

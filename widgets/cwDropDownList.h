@@ -12,7 +12,7 @@
 
 namespace qds {
 
-class DropDownListRows;
+class cwVListNew;
 
 class cwDropDownList : public cwDropDown {
  public:
@@ -55,8 +55,13 @@ class cwDropDownList : public cwDropDown {
   WidgetPoint W_ItemPoint(const std::string& key) override;
 
  private:
-  friend class DropDownListRows;
+  friend class DropDownRows;
   int IndexOfKey(const std::string& key) const;
+  static constexpr int kRowHeight = 20;
+  // The open list shows the rows, the chosen one current.
+  void ShowRows();
+  // Return in the open list takes its current row.
+  bool ListKeyDown(int keyCode);
   // The user took a row in the open list.
   void Take(int index);
   // The user stepped by rows with the list closed.
@@ -64,7 +69,7 @@ class cwDropDownList : public cwDropDown {
   DataRows rows_;
   std::string dataField_, dataSourceKey_;
   int index_ = -1;
-  DropDownListRows* list_ = nullptr;
+  cwVListNew* list_ = nullptr;
 };
 
 }  // namespace qds

@@ -200,6 +200,8 @@ class cwVListNew : public cwScrollable {
   void StopAutoScroll();
   void AutoScrollStep();
   void StartDragNow();
+  // The range being made becomes the selection bits.
+  void ApplyRange();
   bool InRange(int index) const;
   void Invoke(const std::function<void(int, DrawingContext&, double, double, double)>& owner,
               const char* name, int index, DrawingContext& ctx, double x, double y, double w, double h);

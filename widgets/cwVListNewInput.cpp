@@ -195,15 +195,19 @@ void cwVListNew::MoveWithButton(double x, double y) {
   }
 }
 
+void cwVListNew::ApplyRange() {
+  if (!rangeActive_) return;
+  // Every row from one end to the other, either way round, that exists.
+  const int from = std::min(rangeStart_, rangeEnd_), to = std::max(rangeStart_, rangeEnd_);
+  for (int i = std::max(0, from); i <= to && i < count_; ++i) bits_.Set(i, !toggleTo_);
+}
+
 void cwVListNew::StartDragNow() {
   dragCandidate_ = false;
   dragged_ = true;
   // What is dragged is the selection as the user sees it: a range still
   // being made counts.
-  if (rangeActive_) {
-    const int from = std::min(rangeStart_, rangeEnd_), to = std::max(rangeStart_, rangeEnd_);
-    for (int i = std::max(0, from); i <= to && i < count_; ++i) bits_.Set(i, !toggleTo_);
-  }
+  ApplyRange();
   const int start = rangeStart_;
   rangeActive_ = false;
   hoverIndex_ = -1;
@@ -305,10 +309,7 @@ void cwVListNew::Release(double x, double y) {
       bits_.Set(row, true);
     }
   }
-  if (wasDown && rangeActive_) {
-    const int from = std::min(rangeStart_, rangeEnd_), to = std::max(rangeStart_, rangeEnd_);
-    for (int i = std::max(0, from); i <= to && i < count_; ++i) bits_.Set(i, !toggleTo_);
-  }
+  if (wasDown) ApplyRange();
   dragCandidate_ = false;
   rangeActive_ = false;
   rangeStart_ = rangeEnd_ = -1;

@@ -172,7 +172,8 @@ TEST(PlainSvg, LeavesEverythingElseToLibrsvg) {
        {std::string(), std::string("<svg"), plain.substr(0, plain.size() / 2), plain + plain,
         std::string(R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 16 16"><g></svg>)"),
         std::string(R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 16 16"/><svg/>)"),
-        std::string("not xml at all"), std::string(300, '\0')}) {
+        std::string(R"(<?xml version="1.0" encoding="UTF-8"?>)"), std::string("not xml at all"),
+        std::string(300, '\0')}) {
     EXPECT_FALSE(PlainSvg::Read(ToBytes(broken))) << broken;
     const Drawn q = Draw(broken, true);
     EXPECT_FALSE(q.ok) << broken;

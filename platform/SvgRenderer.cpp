@@ -7,6 +7,7 @@
 
 #include "platform/DrawingContext.h"
 #include "platform/Error.h"
+#include "platform/PlainSvg.h"
 
 namespace qds {
 
@@ -110,6 +111,14 @@ bool SvgRenderer::Render(DrawingContext& ctx, const Bytes& bytes, double x, doub
                          double angle) {
   const SvgHandlePtr doc = Parse(bytes);
   return doc && Render(ctx, *doc, x, y, w, h, angle);
+}
+
+bool SvgRenderer::RenderPicture(DrawingContext& ctx, const Bytes& bytes, double x, double y, double w,
+                                double h) {
+  if (w <= 0 || h <= 0) return false;
+  if (const std::optional<PlainSvg> plain = PlainSvg::Read(bytes); plain && plain->Draw(ctx, x, y, w, h))
+    return true;
+  return Render(ctx, bytes, x, y, w, h);
 }
 
 }  // namespace qds

@@ -54,6 +54,13 @@ class SvgRenderer {
   bool Render(DrawingContext& ctx, const Bytes& bytes, double x, double y, double w, double h,
               double angle = 0);
 
+  // Draws the document into the box like Render, through a quick path for
+  // the plain documents cairo writes (groups of paths in solid colours), and
+  // through librsvg for everything else. For pictures on image surfaces; the
+  // result is the same pixels either way. Plain documents are read anew each
+  // time and never enter the cache.
+  bool RenderPicture(DrawingContext& ctx, const Bytes& bytes, double x, double y, double w, double h);
+
   std::size_t CachedDocuments() const { return cache_.size(); }
   void ClearCache();
 

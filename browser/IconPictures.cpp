@@ -19,7 +19,7 @@ SurfacePtr IconPicture(AppContext& app, int id, const Bytes& svg, int side) {
   SurfacePtr picture = DrawingSurface::Create(side, side);
   {
     DrawingContext ctx(picture);
-    app.SvgRenderer->Render(ctx, svg, 0, 0, side, side);
+    app.SvgRenderer->RenderPicture(ctx, svg, 0, 0, side, side);
   }
   app.RenderCache.Add(key, picture);
   return picture;

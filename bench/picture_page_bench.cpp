@@ -11,6 +11,7 @@
 
 #include "app/AppContext.h"
 #include "app/modStartup.h"
+#include "bench/RatioReporter.h"
 #include "platform/DrawingContext.h"
 #include "platform/DrawingSurface.h"
 #include "platform/PlainSvg.h"
@@ -72,25 +73,14 @@ void BM_PageThroughRenderPicture(benchmark::State& state) {
 }
 BENCHMARK(BM_PageThroughRenderPicture)->Unit(benchmark::kMillisecond);
 
-// Keeps each benchmark's time per iteration for the ratio.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  std::map<std::string, double> millis;
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& r : runs) millis[r.benchmark_name()] = r.GetAdjustedRealTime();
-    ConsoleReporter::ReportRuns(runs);
-  }
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   RatioReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
-  const auto& t = reporter.millis;
-  const auto get = [&](const char* n) { return t.count(n) ? t.at(n) : 0.0; };
-  const double librsvg = get("BM_PageThroughLibrsvg"), quick = get("BM_PageThroughRenderPicture");
+  const double librsvg = reporter.Ms("BM_PageThroughLibrsvg"),
+               quick = reporter.Ms("BM_PageThroughRenderPicture");
   if (librsvg > 0 && quick > 0) {
     std::printf("\npage of %d icons at %d px: librsvg %.1f ms, RenderPicture %.1f ms (goal well under 40)\n",
                 kPage, kSide, librsvg, quick);

@@ -12,6 +12,7 @@
 
 #include "app/AppContext.h"
 #include "app/modStartup.h"
+#include "bench/RatioReporter.h"
 #include "engine/cSVGItem.h"
 #include "engine/modPixelOps.h"
 #include "engine/modRenderDesign.h"
@@ -157,16 +158,6 @@ void BM_SixLayerDesignAt512(benchmark::State& state) {
 BENCHMARK(BM_SixLayerDesignAt512)->Unit(benchmark::kMillisecond);
 
 // Keeps each benchmark's time per iteration for the ratios.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  std::map<std::string, double> micros;
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& r : runs)
-      micros[r.benchmark_name()] =
-          r.GetAdjustedRealTime() * (r.time_unit == benchmark::kMillisecond ? 1000 : 1);
-    ConsoleReporter::ReportRuns(runs);
-  }
-};
 
 }  // namespace
 
@@ -174,8 +165,7 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   RatioReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
-  const auto& t = reporter.micros;
-  const auto get = [&](const char* n) { return t.count(n) ? t.at(n) : 0.0; };
+  const auto get = [&](const char* n) { return reporter.Ms(n) * 1000; };  // microseconds
   if (get("BM_LibrsvgRenderAndMargins") > 0 && get("BM_LibrsvgRender") > 0) {
     std::printf("\ncold RenderTo / (librsvg render + margins) = %.2f  (goal <= 1.2)\n",
                 get("BM_ColdRenderTo") / get("BM_LibrsvgRenderAndMargins"));

@@ -18,6 +18,7 @@
 
 #include "app/AppContext.h"
 #include "app/modStartup.h"
+#include "bench/RatioReporter.h"
 #include "browser/IconPictures.h"
 #include "platform/DbRecordset.h"
 #include "platform/DrawingContext.h"
@@ -51,7 +52,6 @@ struct World {
   cfForm form{"BenchForm"};
   cwVListNew& list = form.Children().Add<cwVListNew>("lst");
   std::vector<Icon> icons;
-  std::map<std::string, double> figures;
 
   World() {
     app->ShowMessage = [](const std::string& m) { std::fprintf(stderr, "%s\n", m.c_str()); };
@@ -193,4 +193,18 @@ BENCHMARK(BM_GridWalkLibrary)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  RatioReporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+  const auto ms = [&](const char* n) { return reporter.Ms(n); };
+  if (ms("BM_ListOfRows/100") > 0 && ms("BM_ListOfRows/1000000") > 0)
+    std::printf("\n1,000,000 rows / 100 rows (count, select all, paint) = %.2f (goal: same order, < 3)\n",
+                ms("BM_ListOfRows/1000000") / ms("BM_ListOfRows/100"));
+  if (ms("BM_GridWheelStepRendered") > 0)
+    std::printf("wheel step over rendered icons = %.2f ms (goal < 4)\n", ms("BM_GridWheelStepRendered"));
+  if (ms("BM_GridNewPage") > 0 && ms("BM_ReferenceLibrsvgPage") > 0)
+    std::printf("page never seen = %.1f ms (goal < 40), %.2f of librsvg drawing the same icons\n",
+                ms("BM_GridNewPage"), ms("BM_GridNewPage") / ms("BM_ReferenceLibrsvgPage"));
+  return 0;
+}

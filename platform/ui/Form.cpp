@@ -60,10 +60,6 @@ Widget* Deepest(Widget& w, double x, double y) {
   return &w;
 }
 
-namespace Edge {
-constexpr int Left = 1, Top = 2, Right = 4, Bottom = 8;
-}
-
 int EdgeCursor(int edges) {
   if (edges == (Edge::Left | Edge::Top) || edges == (Edge::Right | Edge::Bottom)) return Cursor::SizeNWSE;
   if (edges == (Edge::Right | Edge::Top) || edges == (Edge::Left | Edge::Bottom)) return Cursor::SizeNESW;
@@ -173,6 +169,10 @@ void cfForm::setState(WindowState state) {
     MoveOnScreen(restoreX_, restoreY_);
   }
   Invalidate();
+}
+
+void cfForm::Minimize() {
+  if (PlatformRoot* root = PlatformRoot::Current(); root && showing_) root->Backend().MinimizeForm(*this);
 }
 
 void cfForm::PlacePopUp(double x, double y, double flipBottom, double flipRight) {
@@ -398,6 +398,18 @@ int cfForm::ResizeEdgeAt(double x, double y) const {
          (y < kResizeBorder ? Edge::Top : 0) | (y >= h - kResizeBorder ? Edge::Bottom : 0);
 }
 
+int cfForm::WindowPartAt(double x, double y) {
+  if (const int edges = ResizeEdgeAt(x, y)) return edges;
+  if (!Borderless || PopUp || state_ != WindowState::Normal) return 0;
+  Widget& target = HitTest(x, y);
+  if (&target == this) return y / zoom_ < DragRegionHeight ? kMovesWindow : 0;
+  for (Widget* w = &target; w && w != this; w = w->Parent()) {
+    if (w->CanFocus) return 0;
+    if (w->DragsWindow) return kMovesWindow;
+  }
+  return 0;
+}
+
 void cfForm::ResizeTo(double screenX, double screenY) {
   // The dragged borders follow the mouse; the opposite ones stay put.
   const double dx = screenX - grabX_, dy = screenY - grabY_;
@@ -431,6 +443,13 @@ void cfForm::MouseDown(int button, int shift, double x, double y) {
     grabRect_[3] = ScreenHeight();
     return;
   }
+  // A frameless form is moved by its top where nothing else takes the
+  // press, and by the widgets that say so (a title bar).
+  if (button == Button::Left && !capture_ && WindowPartAt(x, y) == kMovesWindow) {
+    movingWindow_ = true;
+    grabX_ = x, grabY_ = y;
+    return;
+  }
   Widget* target = capture_ ? capture_ : &HitTest(x, y);
   // A press gives the focus to the first widget up the tree that takes it.
   for (Widget* w = target; w; w = w->Parent()) {
@@ -442,12 +461,6 @@ void cfForm::MouseDown(int button, int shift, double x, double y) {
   if (button == Button::Left) clickTarget_ = target;
   Route(target, x / zoom_, y / zoom_, "W_MouseDown", button, shift,
         [&](Widget& w, double lx, double ly) { return w.W_MouseDown(button, shift, lx, ly); });
-  // A frameless form is moved by its top, where nothing else took the press.
-  if (Borderless && button == Button::Left && target == this && y / zoom_ < DragRegionHeight &&
-      state_ == WindowState::Normal) {
-    movingWindow_ = true;
-    grabX_ = x, grabY_ = y;
-  }
 }
 
 void cfForm::MouseMove(int button, int shift, double x, double y) {

@@ -17,6 +17,11 @@ namespace UnloadMode {
 constexpr int ControlMenu = 0, Code = 1;
 }
 
+// The borders of a window, as flags.
+namespace Edge {
+constexpr int Left = 1, Top = 2, Right = 4, Bottom = 8;
+}
+
 class cfForm : public Widget {
  public:
   // The type name is the form's name in scripts and dumps.
@@ -74,12 +79,20 @@ class cfForm : public Widget {
   bool Sizable = false;
   double MinWidth = 120, MinHeight = 80;
   static constexpr double kResizeBorder = 5;
+  // What a press at a device point of the window does to the window: the
+  // Edge flags of the borders it sizes, kMovesWindow when it moves the
+  // window, 0 when it goes to the widgets. The real window system asks this
+  // before the press reaches the program.
+  static constexpr int kMovesWindow = 16;
+  int WindowPartAt(double x, double y);
 
   enum class WindowState { Normal, Maximized };
   WindowState State() const { return state_; }
   // Maximised, the form covers the work area; restored, its old place on
   // the screen and its old size in logical units.
   void setState(WindowState state);
+  // To the desktop's task bar; the desktop brings it back.
+  void Minimize();
 
   void Show();
   // Takes the window off the screen without asking or unloading anything;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/Drawing.h"
+#include "platform/ui/WindowPlacement.h"
 
 namespace qds {
 
@@ -40,11 +41,20 @@ class UiBackend {
   virtual void FormMoved(cfForm& form) { (void)form; }
   virtual void FormIconChanged(cfForm& form) { (void)form; }
   virtual void FormTitleChanged(cfForm& form) { (void)form; }
+  // Puts the window away to the desktop's task bar.
+  virtual void MinimizeForm(cfForm& form) { minimized_ = &form; }
+  cfForm* LastMinimized() const { return minimized_; }
   // Brings the form's window above the others (a modal dialog whose owner was clicked).
   virtual void BringToFront(cfForm& form) { front_ = &form; }
   cfForm* FrontForm() const { return front_; }
   // The part of the screen forms may cover, without the desktop's panels.
   virtual void WorkArea(double& x, double& y, double& w, double& h) { x = 0, y = 0, w = 1920, h = 1040; }
+  // The usable part of every screen, the work area first.
+  virtual std::vector<ScreenArea> Screens() {
+    ScreenArea a;
+    WorkArea(a.x, a.y, a.w, a.h);
+    return {a};
+  }
   // The form's surface has changed in the given device rectangle.
   virtual void Present(cfForm& form) { (void)form; }
   // System services: the mouse cursor (32512 arrow, 32514 wait, ...),
@@ -61,6 +71,7 @@ class UiBackend {
  private:
   int cursor_ = 32512;
   cfForm* front_ = nullptr;
+  cfForm* minimized_ = nullptr;
   SurfacePtr cursorPicture_;
   std::string clipboard_;
 };

@@ -155,6 +155,38 @@ void SdlDestroyer::operator()(SDL_Surface* p) const {
 namespace {
 // Backends alive at once (a test may make a second): SDL ends with the last.
 int sessions = 0;
+
+// A frameless window's title bar and borders are handed to the window
+// manager, which moves and sizes the window as it does framed ones (and
+// snaps, and keeps it on the screen). The form says which part is which.
+SDL_HitTestResult FormHitTest(SDL_Window*, const SDL_Point* area, void* data) {
+  auto* hit = static_cast<SdlBackend::HitTestData*>(data);
+  const int part = hit->form->WindowPartAt(area->x, area->y);
+  if (part == cfForm::kMovesWindow) {
+    hit->lastX = area->x, hit->lastY = area->y;
+    return SDL_HITTEST_DRAGGABLE;
+  }
+  switch (part) {
+    case Edge::Left | Edge::Top:
+      return SDL_HITTEST_RESIZE_TOPLEFT;
+    case Edge::Top:
+      return SDL_HITTEST_RESIZE_TOP;
+    case Edge::Right | Edge::Top:
+      return SDL_HITTEST_RESIZE_TOPRIGHT;
+    case Edge::Right:
+      return SDL_HITTEST_RESIZE_RIGHT;
+    case Edge::Right | Edge::Bottom:
+      return SDL_HITTEST_RESIZE_BOTTOMRIGHT;
+    case Edge::Bottom:
+      return SDL_HITTEST_RESIZE_BOTTOM;
+    case Edge::Left | Edge::Bottom:
+      return SDL_HITTEST_RESIZE_BOTTOMLEFT;
+    case Edge::Left:
+      return SDL_HITTEST_RESIZE_LEFT;
+    default:
+      return SDL_HITTEST_NORMAL;
+  }
+}
 constexpr Uint32 kSubsystems = SDL_INIT_VIDEO | SDL_INIT_TIMER;
 }  // namespace
 
@@ -272,6 +304,11 @@ void SdlBackend::FormShown(cfForm& form) {
                                                     : SDL_WINDOW_SHOWN));
   if (!w.window) Raise(ErrNo::InvalidArgument, std::string("No window: ") + SDL_GetError(), "SdlBackend");
   if (!popUp) FollowWindow(form, w.window.get());
+  if (form.Borderless && !popUp) {
+    w.hitTest = std::make_unique<HitTestData>();
+    w.hitTest->form = &form;
+    SDL_SetWindowHitTest(w.window.get(), FormHitTest, w.hitTest.get());
+  }
   if (form.Sizable && !form.Borderless) {
     // The desktop's frame must not make it smaller than its layout allows.
     SDL_SetWindowMinimumSize(w.window.get(), static_cast<int>(std::ceil(form.MinWidth * form.Zoom())),
@@ -305,6 +342,11 @@ void SdlBackend::BringToFront(cfForm& form) {
   if (auto it = windows_.find(&form); it != windows_.end()) SDL_RaiseWindow(it->second.window.get());
 }
 
+void SdlBackend::MinimizeForm(cfForm& form) {
+  UiBackend::MinimizeForm(form);
+  if (auto it = windows_.find(&form); it != windows_.end()) SDL_MinimizeWindow(it->second.window.get());
+}
+
 void SdlBackend::FormTitleChanged(cfForm& form) {
   if (auto it = windows_.find(&form); it != windows_.end())
     SDL_SetWindowTitle(it->second.window.get(), form.Caption().c_str());
@@ -330,6 +372,17 @@ void SdlBackend::WorkArea(double& x, double& y, double& w, double& h) {
   SDL_Rect r{0, 0, 1920, 1040};
   SDL_GetDisplayUsableBounds(0, &r);
   x = r.x, y = r.y, w = r.w, h = r.h;
+}
+
+std::vector<ScreenArea> SdlBackend::Screens() {
+  std::vector<ScreenArea> screens;
+  for (int i = 0, n = SDL_GetNumVideoDisplays(); i < n; ++i) {
+    SDL_Rect r;
+    if (SDL_GetDisplayUsableBounds(i, &r) == 0)
+      screens.push_back({double(r.x), double(r.y), double(r.w), double(r.h)});
+  }
+  if (screens.empty()) return UiBackend::Screens();
+  return screens;
 }
 
 void SdlBackend::FollowWindow(cfForm& form, SDL_Window* window) {
@@ -411,6 +464,27 @@ bool SdlBackend::WaitEvent(double timeoutMs, UiEvent& event) {
   }
 }
 
+bool SdlBackend::DoubleHitTest(const SDL_Event& e, UiEvent& event) {
+  // The window manager took the press on a title bar, so the program never
+  // sees it; two such presses close together in time and place are the
+  // double click that maximises the window.
+  cfForm* form = FormOf(e.window.windowID);
+  const auto it = windows_.find(form);
+  if (it == windows_.end() || !it->second.hitTest) return false;
+  HitTestData& hit = *it->second.hitTest;
+  const Uint32 now = e.window.timestamp;
+  const bool twice = hit.lastPressMs != 0 && now - hit.lastPressMs <= kDoubleClickMs &&
+                     std::abs(hit.lastX - hit.pressX) <= 4 && std::abs(hit.lastY - hit.pressY) <= 4;
+  hit.lastPressMs = twice ? 0 : now;
+  hit.pressX = hit.lastX, hit.pressY = hit.lastY;
+  if (!twice) return false;
+  event.form = form;
+  event.type = UiEvent::Type::DblClick;
+  event.button = 1;
+  event.x = hit.lastX, event.y = hit.lastY;
+  return true;
+}
+
 bool SdlBackend::Translate(const SDL_Event& e, UiEvent& event) {
   event = UiEvent();
   switch (e.type) {
@@ -460,6 +534,7 @@ bool SdlBackend::Translate(const SDL_Event& e, UiEvent& event) {
       return TakePending(event);
     }
     case SDL_WINDOWEVENT:
+      if (e.window.event == SDL_WINDOWEVENT_HIT_TEST) return DoubleHitTest(e, event);
       if (e.window.event == SDL_WINDOWEVENT_CLOSE) {
         event.form = FormOf(e.window.windowID);
         event.type = UiEvent::Type::Close;

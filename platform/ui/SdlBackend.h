@@ -47,7 +47,9 @@ class SdlBackend : public UiBackend {
   void FormIconChanged(cfForm& form) override;
   void FormTitleChanged(cfForm& form) override;
   void BringToFront(cfForm& form) override;
+  void MinimizeForm(cfForm& form) override;
   void WorkArea(double& x, double& y, double& w, double& h) override;
+  std::vector<ScreenArea> Screens() override;
   void SetCursor(int cursor) override;
   void SetCursorPicture(const SurfacePtr& picture) override;
   void SetClipboardText(const std::string& text) override;
@@ -59,6 +61,15 @@ class SdlBackend : public UiBackend {
   Bytes WindowPng(cfForm& form);
   // Called once, after the first picture reached a window.
   std::function<void()> OnFirstFrame;
+  // What the window manager's hit test of a frameless window needs, and
+  // where it last found the window's moving part.
+  struct HitTestData {
+    cfForm* form = nullptr;
+    int lastX = 0, lastY = 0;
+    int pressX = 0, pressY = 0;
+    unsigned lastPressMs = 0;
+  };
+  static constexpr unsigned kDoubleClickMs = 500;
 
  private:
   // SDL itself, from the first call to the last: declared first, so that
@@ -72,6 +83,7 @@ class SdlBackend : public UiBackend {
   // Members go in the reverse order: the texture, then its renderer, then
   // the window.
   struct Window {
+    std::unique_ptr<HitTestData> hitTest;  // frameless windows: SDL points here until the window ends
     SdlPtr<SDL_Window> window;
     SdlPtr<SDL_Renderer> renderer;
     SdlPtr<SDL_Texture> texture;  // none until the first picture, or when SDL refused one
@@ -81,6 +93,7 @@ class SdlBackend : public UiBackend {
   bool TakePending(UiEvent& event);
   // SDL's event as the program's; false for those it keeps to itself.
   bool Translate(const SDL_Event& e, UiEvent& event);
+  bool DoubleHitTest(const SDL_Event& e, UiEvent& event);
   static void FollowWindow(cfForm& form, SDL_Window* window);
   Session session_;
   std::map<cfForm*, Window> windows_;

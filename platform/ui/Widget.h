@@ -180,6 +180,10 @@ class Widget {
   // The mouse buttons held now (Button flags).
   int MouseButtons() const;
 
+  // A press on it moves a frameless window (a title bar and what it shows),
+  // unless it lands on a widget inside that takes the focus (a button).
+  bool DragsWindow = false;
+
   std::string ToolTip;
   // Shown while the mouse is over the widget, or while it has the capture.
   int MouseCursor = Cursor::Arrow;

@@ -79,7 +79,14 @@ namespace qds {
   X(std::string, LineSettings, Text, "", 0, 1 << 20, Plain, Plain)                               \
   X(std::string, BlurSettings, Text, "", 0, 1 << 20, Plain, Plain)                               \
   X(std::string, GlowSettings, Text, "", 0, 1 << 20, Plain, Plain)                               \
-  X(double, UserZoom, Number, 1.25, 1, 4, Plain, Plain)
+  X(double, UserZoom, Number, 1.25, 1, 4, Plain, Plain)                                          \
+  /* The main window's place and size on the screen, in pixels; a width */                       \
+  /* of 0 means none was kept. Where they still fit is for the window to decide. */              \
+  X(int, WindowLeft, Whole, 0, -1000000, 1000000, Plain, Plain)                                  \
+  X(int, WindowTop, Whole, 0, -1000000, 1000000, Plain, Plain)                                   \
+  X(int, WindowWidth, Whole, 0, 0, 1000000, Plain, Plain)                                        \
+  X(int, WindowHeight, Whole, 0, 0, 1000000, Plain, Plain)                                       \
+  X(bool, WindowMaximized, Flag, false, 0, 1, Plain, Plain)
 
 // The table above as data.
 std::span<const SettingRule> ConfigSettings();

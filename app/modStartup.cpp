@@ -55,7 +55,7 @@ std::string LibraryMessage(AppContext& app, const LibraryProblem& p) {
 
 }  // namespace
 
-bool InitGlobals(AppContext& app) {
+bool InitGlobals(AppContext& app, const ImportProgress& progress) {
   app.DesignOpacity = 100;
   app.DesignOpacityOn = false;
   app.WorkSurface512 = DrawingSurface::Create(512, 512);
@@ -85,7 +85,7 @@ bool InitGlobals(AppContext& app) {
     return false;
   }
   try {
-    ImportTmpImages(app);
+    ImportTmpImages(app, progress);
     InitDummyID(app);
   } catch (const AppError& e) {
     app.ShowMessage(e.Description());
@@ -222,8 +222,8 @@ bool CheckError(AppContext& app, const JsonBag& result) {
   return true;
 }
 
-bool StartWithoutWindow(AppContext& app) {
-  if (!InitGlobals(app)) return false;
+bool StartWithoutWindow(AppContext& app, const ImportProgress& progress, bool updateDb) {
+  if (!InitGlobals(app, progress)) return false;
   try {
     AddBasePatterns(app);
     AddQuillaronShapes(app);
@@ -239,7 +239,7 @@ bool StartWithoutWindow(AppContext& app) {
   SetDocumentsAndLinks(app);
   ReadSettingsFile(app);
   app.UndoRedo.setMax(app.Config->HistoryMax());
-  UpdateDB(app);
+  if (updateDb) UpdateDB(app);
   return true;
 }
 

@@ -4,6 +4,7 @@
 // fill of the library, and the pictures every view draws with.
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "platform/JsonBag.h"
@@ -12,11 +13,14 @@ namespace qds {
 
 struct AppContext;
 
+// Told after each batch of the first start's import: batches done, in all.
+using ImportProgress = std::function<void(int done, int total)>;
+
 // Objects, connections, settings and texts; then the first-start import and
 // the stand-in icon. False (after a message that names the library and
 // what is wrong with it, or the import's message) when the library cannot
 // be used.
-bool InitGlobals(AppContext& app);
+bool InitGlobals(AppContext& app, const ImportProgress& progress = {});
 
 // Both databases, the settings and the texts, and nothing of the library's
 // content: what windows that ask and report need. False, quietly, when the
@@ -38,7 +42,8 @@ bool IsFlatStyle(const std::string& styleName, const std::string& themeName, con
 bool CheckError(AppContext& app, const JsonBag& result);
 
 // Everything of the start that needs no window, in the start-up order, and
-// the schema upgrade. False when the program cannot go on.
-bool StartWithoutWindow(AppContext& app);
+// the schema upgrade unless the caller runs it once its window shows.
+// False when the program cannot go on.
+bool StartWithoutWindow(AppContext& app, const ImportProgress& progress = {}, bool updateDb = true);
 
 }  // namespace qds

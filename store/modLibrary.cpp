@@ -110,6 +110,8 @@ int ImportTmpImages(AppContext& app, const std::function<void(int, int)>& progre
   DbRecordset staging = app.Cnn.Query("Select * From TmpImageBlobs");
   const int total = staging.RecordCount();
   if (total == 0) return 0;  // later starts cost nothing
+  // A first start is told before the first batch, so a window can say so.
+  if (progress) progress(0, total);
   int copied = 0;
   for (int done = 1; !staging.Eof(); staging.MoveNext(), ++done) {
     const std::string which = "batch " + std::to_string(done) + " of " + std::to_string(total);

@@ -36,7 +36,8 @@ LibraryProblem LibraryProblemOf(AppContext& app);
 // A damaged batch, or a transaction that cannot begin, store or commit,
 // raises AppError after undoing that transaction; the staging table stays
 // until every batch is in.
-// `progress` hears (batches done, batches in all) after each batch.
+// `progress` hears (0, batches in all) before the first batch, and
+// (batches done, batches in all) after each.
 // Returns the number of rows copied.
 int ImportTmpImages(AppContext& app, const std::function<void(int done, int total)>& progress = {});
 

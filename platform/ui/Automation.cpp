@@ -491,17 +491,17 @@ class Runner {
       const Aim to = AimAt(root_, c.to);
       Post(UiEvent::Type::MouseMove, from, 0, c.shift);
       Post(UiEvent::Type::MouseDown, from, Button::Left, c.shift);
-      // The mouse goes there in steps, as a hand moves it; the pressed
-      // window keeps hearing it.
-      const Aim end = InForm(to, from.form);
+      // The mouse goes there in steps over the screen, as a hand moves it;
+      // the pressed window keeps hearing it, though it may move itself.
+      const double sx = from.form->ScreenX() + from.x, sy = from.form->ScreenY() + from.y;
+      const double ex = to.form->ScreenX() + to.x, ey = to.form->ScreenY() + to.y;
       constexpr int kSteps = 4;
       for (int i = 1; i <= kSteps; ++i) {
         const double f = static_cast<double>(i) / kSteps;
-        Post(UiEvent::Type::MouseMove,
-             {from.form, from.x + (end.x - from.x) * f, from.y + (end.y - from.y) * f}, Button::Left,
-             c.shift);
+        root_.PostEvent({UiEvent::Type::MouseMove, from.form, Button::Left, c.shift, 0, sx + (ex - sx) * f,
+                         sy + (ey - sy) * f, true});
       }
-      Post(UiEvent::Type::MouseUp, to, Button::Left, c.shift);
+      root_.PostEvent({UiEvent::Type::MouseUp, to.form, Button::Left, c.shift, 0, ex, ey, true});
     } else if (v == "wheel") {
       const Aim at = AimAt(root_, c.target);
       Post(UiEvent::Type::MouseMove, at, held_, c.shift);

@@ -403,11 +403,7 @@ int cfForm::WindowPartAt(double x, double y) {
   if (!Borderless || PopUp || state_ != WindowState::Normal) return 0;
   Widget& target = HitTest(x, y);
   if (&target == this) return y / zoom_ < DragRegionHeight ? kMovesWindow : 0;
-  for (Widget* w = &target; w && w != this; w = w->Parent()) {
-    if (w->CanFocus) return 0;
-    if (w->DragsWindow) return kMovesWindow;
-  }
-  return 0;
+  return target.DragsWindow ? kMovesWindow : 0;
 }
 
 void cfForm::ResizeTo(double screenX, double screenY) {

@@ -135,6 +135,14 @@ void PlatformRoot::Dispatch(const UiEvent& e) {
   ++eventNumber_;
   cfForm* f = e.form;
   if (!f || std::find(forms_.begin(), forms_.end(), f) == forms_.end()) return;  // a form that has gone
+  if (e.onScreen) {
+    UiEvent inForm = e;
+    inForm.onScreen = false;
+    inForm.x -= f->ScreenX(), inForm.y -= f->ScreenY();
+    --eventNumber_;
+    Dispatch(inForm);
+    return;
+  }
   // Input meets the widgets where the user sees them.
   for (cfForm* form : forms_) form->LayoutIfWanted();
   if (e.type == UiEvent::Type::KeyDown || e.type == UiEvent::Type::KeyUp ||

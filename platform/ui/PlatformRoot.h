@@ -25,6 +25,10 @@ struct UiEvent {
   int shift = 0;
   int key = 0;          // key code, or the character (code point) of a key press
   double x = 0, y = 0;  // device pixels of the form
+  // x and y are screen pixels, turned into the form's when the event is
+  // dispatched: a script's mouse moves over the screen as a hand does,
+  // while the window it drags moves under it.
+  bool onScreen = false;
 };
 
 // Where events come from and pictures go to: real windows, or nothing.

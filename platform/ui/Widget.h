@@ -180,8 +180,8 @@ class Widget {
   // The mouse buttons held now (Button flags).
   int MouseButtons() const;
 
-  // A press on it moves a frameless window (a title bar and what it shows),
-  // unless it lands on a widget inside that takes the focus (a button).
+  // A press on it moves a frameless window: a title bar, and the captions
+  // and pictures on it; not the buttons on it, which keep their presses.
   bool DragsWindow = false;
 
   std::string ToolTip;

@@ -234,9 +234,11 @@ void cvIconSelectView::CreateLists(Widget& main) {
   // Keys change the selection too (Ctrl+A, the arrows): the buttons follow.
   vlstIcons->ChangeListIndex = On("vlstIcons_ChangeListIndex", &cvIconSelectView::RefreshButtons);
   vlstIcons->MouseMoveOnListItem = [this](int index, double, double) {
-    ItemCollection& icons = App().SelectIcons;
-    vlstIcons->ToolTip =
-        index >= 0 && index < icons.Count() ? icons.Item(index)->FriendlyName() : std::string();
+    Handle("vlstIcons_MouseMoveOnListItem", [&] {
+      ItemCollection& icons = App().SelectIcons;
+      vlstIcons->ToolTip =
+          index >= 0 && index < icons.Count() ? icons.Item(index)->FriendlyName() : std::string();
+    });
   };
 }
 

@@ -27,7 +27,7 @@ namespace qds {
 namespace {
 
 constexpr const char* kHiddenStyle = "Design Elements";
-constexpr double kRowHeight = 26, kFirstRow = 6, kSecondRow = 38, kMargin = 8;
+constexpr double kLineHeight = 26, kFirstRow = 6, kSecondRow = 38, kMargin = 8;
 
 std::string TextOf(const char* key) {
   return LanguageText(key).Text;
@@ -113,21 +113,21 @@ void cvIconSelectView::WidgetInit(Widget& layout) {
 }
 
 void cvIconSelectView::CreateSearchStrip(Widget& strip) {
-  lblStyles_ = &Place<cwLabel>(strip, "lblStyles", kMargin, kFirstRow, 44, kRowHeight);
+  lblStyles_ = &Place<cwLabel>(strip, "lblStyles", kMargin, kFirstRow, 44, kLineHeight);
   lblStyles_->Caption = TextOf("Style");
-  DropStyles = &Place<cwDropDownList>(strip, "DropStyles", 54, kFirstRow, 170, kRowHeight);
+  DropStyles = &Place<cwDropDownList>(strip, "DropStyles", 54, kFirstRow, 170, kLineHeight);
   DropStyles->Click = On("DropStyles_Click", &cvIconSelectView::DropStyles_Click);
-  lblThemes_ = &Place<cwLabel>(strip, "lblThemes", 234, kFirstRow, 50, kRowHeight);
+  lblThemes_ = &Place<cwLabel>(strip, "lblThemes", 234, kFirstRow, 50, kLineHeight);
   lblThemes_->Caption = TextOf("Theme");
-  DropThemes = &Place<cwDropDownList>(strip, "DropThemes", 286, kFirstRow, 190, kRowHeight);
+  DropThemes = &Place<cwDropDownList>(strip, "DropThemes", 286, kFirstRow, 190, kLineHeight);
   DropThemes->Click = On("DropThemes_Click", &cvIconSelectView::DropThemes_Click);
 
-  txtSearch = &Place<cwTextBox>(strip, "txtSearch", 492, kFirstRow, 180, kRowHeight);
+  txtSearch = &Place<cwTextBox>(strip, "txtSearch", 492, kFirstRow, 180, kLineHeight);
   txtSearch->CueBannerText = TextOf("SearchText");
   txtSearch->KeyDown = [this](int& keyCode, int shift) {
     Handle("txtSearch_KeyPress", [&] { txtSearch_KeyDown(keyCode, shift); });
   };
-  btnSearch_ = &Place<cwButton>(strip, "btnSearch", 678, kFirstRow, 110, kRowHeight);
+  btnSearch_ = &Place<cwButton>(strip, "btnSearch", 678, kFirstRow, 110, kLineHeight);
   btnSearch_->PictureKey = "Magnifier";
   btnSearch_->Caption = TextOf("StartSearch");
   btnSearch_->ToolTip = LanguageText("StartSearch").Tooltip;
@@ -143,7 +143,7 @@ void cvIconSelectView::CreateSearchStrip(Widget& strip) {
                 {&optSearchStyle_, "optSearchStyle", "Style"},
                 {&optSearchThemes_, "optSearchThemes", "Theme"}};
   for (const auto& s : scopes) {
-    *s.option = &Place<cwOptionButton>(strip, s.key, x, kFirstRow, 90, kRowHeight);
+    *s.option = &Place<cwOptionButton>(strip, s.key, x, kFirstRow, 90, kLineHeight);
     (*s.option)->Group = "SearchScope";
     (*s.option)->Caption = TextOf(s.caption);
     x += 94;
@@ -151,16 +151,16 @@ void cvIconSelectView::CreateSearchStrip(Widget& strip) {
   optSearchAll_->ToolTip = LanguageText("All").Tooltip;
   optSearchAll_->Choose();
 
-  btnSelectAll_ = &Place<cwButton>(strip, "btnSelectAll", kMargin, kSecondRow, 130, kRowHeight);
+  btnSelectAll_ = &Place<cwButton>(strip, "btnSelectAll", kMargin, kSecondRow, 130, kLineHeight);
   btnSelectAll_->PictureKey = "Select_All";
   btnSelectAll_->Caption = TextOf("SelectAll");
   btnSelectAll_->Click = On("btnSelectAll_Click", &cvIconSelectView::btnSelectAll_Click);
-  btnRename_ = &Place<cwButton>(strip, "btnRename", 144, kSecondRow, 130, kRowHeight);
+  btnRename_ = &Place<cwButton>(strip, "btnRename", 144, kSecondRow, 130, kLineHeight);
   btnRename_->PictureKey = "Text";
   btnRename_->Caption = TextOf("RenameImage");
   btnRename_->ToolTip = LanguageText("RenameImage").Tooltip;
   btnRename_->Click = On("btnRename_Click", &cvIconSelectView::btnRename_Click);
-  btnDeleteIcons_ = &Place<cwButton>(strip, "btnDeleteIcons", 280, kSecondRow, 140, kRowHeight);
+  btnDeleteIcons_ = &Place<cwButton>(strip, "btnDeleteIcons", 280, kSecondRow, 140, kLineHeight);
   btnDeleteIcons_->PictureKey = "Trash";
   btnDeleteIcons_->Caption = TextOf("DeleteIcons");
   btnDeleteIcons_->ToolTip = LanguageText("DeleteIcons").Tooltip;
@@ -169,13 +169,13 @@ void cvIconSelectView::CreateSearchStrip(Widget& strip) {
   // Importing and the exchange database come with a later version: the
   // buttons are in their places, but they do nothing yet and say so.
   const std::string later = TipOf("NotAvailableYet");
-  btnImport_ = &Place<cwButton>(strip, "btnImport", 436, kSecondRow, 120, kRowHeight);
+  btnImport_ = &Place<cwButton>(strip, "btnImport", 436, kSecondRow, 120, kLineHeight);
   btnImport_->PictureKey = "Folder_Open";
   btnImport_->Caption = TextOf("Import");
-  btnImportIconsDB_ = &Place<cwButton>(strip, "btnImportIconsDB", 562, kSecondRow, 200, kRowHeight);
+  btnImportIconsDB_ = &Place<cwButton>(strip, "btnImportIconsDB", 562, kSecondRow, 200, kLineHeight);
   btnImportIconsDB_->PictureKey = "Database_Open";
   btnImportIconsDB_->Caption = TextOf("ImportIconsFromDB");
-  btnExportToIconsDB_ = &Place<cwButton>(strip, "btnExportToIconsDB", 768, kSecondRow, 160, kRowHeight);
+  btnExportToIconsDB_ = &Place<cwButton>(strip, "btnExportToIconsDB", 768, kSecondRow, 160, kLineHeight);
   btnExportToIconsDB_->Caption = std::string("Copy to NewIcons.DB");
   for (cwButton* b : {btnImport_, btnImportIconsDB_, btnExportToIconsDB_}) {
     b->ToolTip = later;

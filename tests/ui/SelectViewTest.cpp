@@ -380,6 +380,11 @@ TEST(SelectView, TheLayoutFollowsTheWindowAndTheViewCatchesUpWhenEntered) {
   cvIconSelectView& v = h.view;
   const auto& main = h.Get("pnlMain");
   EXPECT_EQ(v.vlstIcons->Width(), main.Width() - cvIconSelectView::kSelectionWidth);
+  // The choices stand in two rows inside their strip, none over another.
+  Widget& strip = h.Get("pnlSearch");
+  for (int i = 0; i < strip.Children().Count(); ++i)
+    EXPECT_LE(strip.Children().Item(i).Top() + strip.Children().Item(i).Height(), strip.Height()) << i;
+  EXPECT_LE(v.DropStyles->Top() + v.DropStyles->Height(), h.Get("btnSelectAll").Top());
   const int wide = v.vlstIcons->CellsPerLine();
   EXPECT_EQ(wide, static_cast<int>((v.vlstIcons->DrawWidth() - 3) / (cvIconSelectView::kCell + 2)));
   h.form.Resize(800, 600);

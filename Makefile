@@ -38,6 +38,7 @@ test-asan: build-asan
 bench: build
 	for b in $(BUILD)/bench/*_bench; do $$b --benchmark_min_time=0.5; done
 	bench/startup_bench.sh $(BUILD)
+	bench/first_frame_bench.sh $(BUILD)
 	bench/export_bench.sh $(BUILD)
 
 clean:

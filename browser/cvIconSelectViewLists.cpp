@@ -54,14 +54,7 @@ void RemoveIds(ItemCollection& items, const std::vector<int>& ids) {
 // dark and would vanish on the studio's dark lists.
 constexpr std::int64_t kIconTile = 0xE4E4E4;
 
-void DrawIconBackground(DrawingContext& cc, const char* key, double x, double y, double side, double alpha,
-                        bool selected) {
-  if (selected) {
-    // The list's own mark of a chosen cell would hide behind the tile.
-    cc.SetSourceColor(StockColor(Palette::Accent), alpha);
-    cc.RoundedRectangle(x - 4, y - 4, side + 8, side + 8, 5);
-    cc.Fill();
-  }
+void DrawIconBackground(DrawingContext& cc, const char* key, double x, double y, double side, double alpha) {
   if (App().Config->ShowIconBG()) {
     if (const SurfacePtr pattern = App().ImageList().Get(key))
       cc.DrawSurface(pattern, x, y, side, side, Filter::Good, alpha);
@@ -240,7 +233,7 @@ void cvIconSelectView::vlstIcons_OwnerDrawItem(int index, DrawingContext& cc, do
   const cSVGItem& icon = *results.Item(index);
   const double side = std::min({dx, dy, static_cast<double>(kCellPicture)});
   const double x = (dx - side) / 2, y = (dy - side) / 2;
-  DrawIconBackground(cc, "BasePat64", x, y, side, alpha, vlstIcons->Selected(index));
+  DrawIconBackground(cc, "BasePat64", x, y, side, alpha);
   cc.DrawSurface(IconPicture(App(), IdOf(icon), icon.SvgBytes(), static_cast<int>(side)), x, y, side, side,
                  Filter::Good, alpha);
 }
@@ -253,7 +246,7 @@ void cvIconSelectView::vlstSelectedIcons_OwnerDrawItem(int index, DrawingContext
   const double side = std::min(dy - 6, static_cast<double>(kRowPicture));
   if (side <= 0) return;
   const double top = (dy - side) / 2;
-  DrawIconBackground(cc, "BasePat48", 3, top, side, alpha, false);
+  DrawIconBackground(cc, "BasePat48", 3, top, side, alpha);
   cc.DrawSurface(IconPicture(App(), IdOf(icon), icon.SvgBytes(), static_cast<int>(side)), 3, top, side, side,
                  Filter::Good, alpha);
   const double left = side + 10, line = side / 3;

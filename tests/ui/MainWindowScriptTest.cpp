@@ -140,11 +140,12 @@ TEST(MainWindowScript, ADamagedPlaceOpensAtTheDefaultAndAGermanStartSpeaksGerman
   struct Case {
     int left, top, width, height;
     const char* what;
-  } cases[] = {{5000, 4000, 900, 700, "off every screen"},
-               {-900000, -900000, 900, 700, "far to the left and above"},
+  } cases[] = {{5000, 4000, 1000, 700, "off every screen"},
+               {-900000, -900000, 1000, 700, "far to the left and above"},
                {10, 10, 900000, 700000, "larger than the screen"},
                {300, 200, 20, 10, "smaller than the window can be"},
-               {400, 1030, 900, 700, "only its bottom edge's top on the screen"}};
+               {400, 1030, 1000, 700, "only a sliver of its title bar on the screen"},
+               {-950, 100, 1000, 700, "only 50 pixels of it on the screen"}};
   for (const Case& c : cases) {
     studio.app->Config->setWindowLeft(c.left);
     studio.app->Config->setWindowTop(c.top);

@@ -48,6 +48,7 @@ click vlstIcons row 3 shift
 expect vlstIcons selected [0,1,2,3]
 drag vlstIcons row 1 to vlstSelectedIcons
 expect vlstSelectedIcons listCount 4
+screenshot select_view.png
 dblclick vlstIcons row 5
 dblclick vlstIcons row 5
 expect vlstSelectedIcons listCount 5
@@ -73,7 +74,6 @@ expect ToolWindow/ToolWidget/lblCaption caption Permanently delete the selected 
 click ToolWindow/ToolWidget/btnYes
 expect vlstIcons listCount 16
 expect Statusbar caption 16 Icons  Selection: 5 Icons
-screenshot select_view.png
 )",
                                       studio.folder.Folder());
   ASSERT_EQ(r.code, 0) << r.err;

@@ -434,7 +434,7 @@ TEST(SelectView, TheDesignTakesTheSelectionAsItsBaseLayer) {
   EXPECT_TRUE(app.Layers.Exists("top"));
 }
 
-TEST(SelectView, CellsShowTheIconOverThePatternWhenAskedTo) {
+TEST(SelectView, CellsShowTheIconOnALightTileOrThePatternWhenAskedTo) {
   SelectHost h;
   cwVListNew& grid = *h.view.vlstIcons;
   // The picture's box in the first cell: its corner pixel, and how many
@@ -454,7 +454,10 @@ TEST(SelectView, CellsShowTheIconOverThePatternWhenAskedTo) {
       for (int i = 0; i < 2 * half - 2; ++i) ink += PixelAt(shot, left + i, top + j) == corner ? 0 : 1;
     return std::pair{corner, ink};
   };
-  const auto [bare, drawn] = cell(false);
-  EXPECT_GT(drawn, 200);                       // the icon
-  EXPECT_GT(cell(true).first.g, bare.g + 40);  // and the light pattern behind it
+  const auto [tile, drawn] = cell(false);
+  EXPECT_GT(drawn, 200);   // the icon
+  EXPECT_GT(tile.g, 200);  // on a light tile, where dark icons show on the dark list
+  const Bgra pattern = cell(true).first;
+  EXPECT_NE(pattern, tile);  // or on the pattern of transparency, when asked for
+  EXPECT_GT(pattern.g, 100);
 }

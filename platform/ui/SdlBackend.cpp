@@ -191,6 +191,10 @@ constexpr Uint32 kSubsystems = SDL_INIT_VIDEO | SDL_INIT_TIMER;
 }  // namespace
 
 SdlBackend::Session::Session() {
+  // The forms draw themselves with cairo and hand SDL finished pictures; a
+  // window surface backed by OpenGL would only cost a driver's start-up
+  // (a fifth of a second with a software GL) for nothing.
+  SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
   if (SDL_InitSubSystem(kSubsystems) != 0) {
     const std::string why = SDL_GetError();
     if (sessions == 0) SDL_Quit();  // what the failed start did get

@@ -17,6 +17,7 @@
 
 #include "app/AppContext.h"
 #include "app/modStartup.h"
+#include "app/ui/cfMain.h"
 #include "bench/RatioReporter.h"
 #include "browser/IconPictures.h"
 #include "browser/cvIconSelectView.h"
@@ -61,13 +62,7 @@ struct World {
     app->Cnn.Execute(std::string("Update Images Set Synonyms = Synonyms || ' ") + kEveryIcon + "'");
     libraryIcons = static_cast<int>(app->Cnn.Query("Select Count(*) From Images").FieldValue(0).AsLong());
     form.Resize(1280, 800);
-    auto& layout = form.Children().Add<Widget>("IconSelectView");
-    layout.setDock(Dock::Fill);
-    layout.Children().Add<Widget>("pnlMain").setDock(Dock::Fill);
-    auto& status = layout.Children().Add<Widget>("pnlStatusBar");
-    status.setDock(Dock::Bottom);
-    status.Move(0, 0, 0, 16);
-    view.WidgetInit(layout);
+    view.WidgetInit(AddViewLayout(form, "IconSelectView"));
     form.Show();
     view.HandleResize(1280, 800);
     root.DoEvents();

@@ -71,6 +71,18 @@ std::vector<PanelRule> PanelsOf(const std::string& layout) {
 
 }  // namespace
 
+Widget& AddViewLayout(Widget& parent, const std::string& viewName) {
+  Widget& layout = parent.Children().Add<Widget>(viewName);
+  layout.setDock(Dock::Fill);
+  for (const PanelRule& p : PanelsOf(viewName)) {
+    Widget& panel = layout.Children().Add<cwPanel>(p.key);
+    const bool across = p.dock == Dock::Left || p.dock == Dock::Right;
+    panel.Move(0, 0, across ? p.size : 0, across ? 0 : p.size);
+    panel.setDock(p.dock);
+  }
+  return layout;
+}
+
 cfMain::~cfMain() = default;
 
 cfMain::cfMain() : cfForm("cfMain") {
@@ -105,15 +117,8 @@ void cfMain::CreateTwoPanelLayoutViews() {
   settingsView_ = std::make_unique<cvIconSettingsView>();
   helpView_ = std::make_unique<cvIconHelpView>();
   for (const char* name : kViewNames) {
-    Widget& layout = Children().Add<Widget>(name);
-    layout.setDock(Dock::Fill);
+    Widget& layout = AddViewLayout(*this, name);
     layout.setVisible(false);
-    for (const PanelRule& p : PanelsOf(name)) {
-      Widget& panel = layout.Children().Add<cwPanel>(p.key);
-      const bool across = p.dock == Dock::Left || p.dock == Dock::Right;
-      panel.Move(0, 0, across ? p.size : 0, across ? 0 : p.size);
-      panel.setDock(p.dock);
-    }
     cvView& view = View(name);
     const std::string key = name;
     view.Activate = [this, key] { ActivateLayout(key); };

@@ -74,6 +74,9 @@ class cfMain : public cfForm {
   std::string active_;
 };
 
+// The layout of a view's panels, named as the view, filling `parent`.
+Widget& AddViewLayout(Widget& parent, const std::string& viewName);
+
 // The main window's size when none was kept, and the smallest it may be,
 // in logical units.
 constexpr double kMainDefaultWidth = 1200, kMainDefaultHeight = 760;

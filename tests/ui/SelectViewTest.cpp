@@ -10,6 +10,7 @@
 
 #include "app/cConfig.h"
 #include "app/modTexts.h"
+#include "app/ui/cfMain.h"
 #include "app/ui/cwMsgBox.h"
 #include "app/ui/modMessages.h"
 #include "browser/cvIconSelectView.h"
@@ -51,13 +52,7 @@ struct SelectHost {
     ui.Root().setImages(&studio.app->ImageList());
     InstallErrorMessages();
     form.Resize(1200, 700);
-    auto& layout = form.Children().Add<Widget>("IconSelectView");
-    layout.setDock(Dock::Fill);
-    layout.Children().Add<Widget>("pnlMain").setDock(Dock::Fill);
-    auto& status = layout.Children().Add<Widget>("pnlStatusBar");
-    status.setDock(Dock::Bottom);
-    status.Move(0, 0, 0, 16);
-    view.WidgetInit(layout);
+    view.WidgetInit(AddViewLayout(form, "IconSelectView"));
     form.Show();
     view.HandleResize(1200, 700);
     ui.Root().DoEvents();

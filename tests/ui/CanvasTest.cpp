@@ -171,12 +171,12 @@ TEST(Canvas, RulersMarkTheMouseUnlessTheMarksAreOffAndArrowsStayOnTheCanvas) {
   h.ui.Mouse(h.form, UiEvent::Type::MouseMove, 40 + 100, 40 + 30);
   EXPECT_EQ(hRuler.Pos(), 100);
   EXPECT_EQ(vRuler.Pos(), 30);
-  EXPECT_NE(rulerStrip(), unmarked);
+  EXPECT_FALSE(rulerStrip() == unmarked) << "no mark shown";
 
   h.canvas.setShowRulerPos(false);
-  EXPECT_EQ(rulerStrip(), unmarked);
+  EXPECT_TRUE(rulerStrip() == unmarked) << "a mark shown";
   h.ui.Mouse(h.form, UiEvent::Type::MouseMove, 40 + 120, 40 + 50);
-  EXPECT_EQ(rulerStrip(), unmarked);
+  EXPECT_TRUE(rulerStrip() == unmarked) << "a mark shown";
   EXPECT_EQ(vRuler.Pos(), -1);
   h.canvas.setShowRulerPos(true);
   h.ui.Mouse(h.form, UiEvent::Type::MouseMove, 40 + 120, 40 + 50);

@@ -122,11 +122,14 @@ TEST(Canvas, APressHitsTheTopmostLayerThatShowsInkThere) {
 
 TEST(Canvas, TheBackgroundIsAChessBoardOrAColourAndTheDesignsOpacityFadesTheLayers) {
   CanvasHost h;
+  // A drag cannot go on without layers.
+  h.canvas.Dragging = true;
   // On the form's grey 0x323232: squares of 4 pixels (256 / 64), white at
   // 0.6 and 0.3 in turn.
   const Bgra light = h.Shown(1, 1), dark = h.Shown(5, 1);
   EXPECT_TRUE(Near(light, {173, 173, 173, 255}, 3)) << light;
   EXPECT_TRUE(Near(dark, {112, 112, 112, 255}, 3)) << dark;
+  EXPECT_FALSE(h.canvas.Dragging);
   EXPECT_EQ(h.Shown(5, 5), light);
   EXPECT_EQ(h.Shown(9, 1), light);
 
@@ -145,16 +148,25 @@ TEST(Canvas, TheBackgroundIsAChessBoardOrAColourAndTheDesignsOpacityFadesTheLaye
   EXPECT_TRUE(Near(h.Shown(100, 100), {128, 128, 128, 255}, 2)) << h.Shown(100, 100);
 
   // The preview's picture comes with the paints that ask for it, on grey
-  // behind a chess board.
+  // behind a chess board, and the preview shows it at its own size.
+  auto& preview = h.form.Children().Add<cwPreview>("Preview");
+  preview.Move(340, 0, 48, 48);
+  preview.setCanvas(&h.canvas);
+  h.ui.Root().DoEvents();
   EXPECT_FALSE(h.canvas.PreviewSurface());
   h.canvas.setColor(-1);
   h.app->Layers.Item(0)->setZoomPercent(50);
+  h.app->DesignOpacityOn = false;
   h.canvas.setDrawPreview(true);
   h.events.clear();
   h.Shown(0, 0);
   EXPECT_EQ(h.events, (std::vector<std::string>{"Painted"}));
   ASSERT_TRUE(h.canvas.PreviewSurface());
-  EXPECT_EQ(PixelAt(h.canvas.PreviewSurface(), 2, 2), (Bgra{192, 192, 192, 255}));
+  EXPECT_EQ(h.canvas.PreviewSurface()->Width(), 48);
+  preview.Refresh();
+  const SurfacePtr shot = h.ui.Screenshot(h.form);
+  EXPECT_EQ(PixelAt(shot, 340 + 4, 4), (Bgra{192, 192, 192, 255}));
+  EXPECT_EQ(PixelAt(shot, 340 + 24, 24), (Bgra{0, 0, 0, 255}));
 }
 
 TEST(Canvas, RulersMarkTheMouseUnlessTheMarksAreOffAndArrowsStayOnTheCanvas) {

@@ -44,7 +44,8 @@ class cwCanvas : public Widget {
   // Every visible layer of the design from the bottom (last index) to the
   // top (index 0) into a square of side `side` at the context's origin.
   // The canvas's own drawing: the layers may mark their selection and
-  // centre. With no layers the drag is over.
+  // centre (App().ShowsSelectionFrame, App().ShowCentre, which hears the
+  // centre in pixels of the drawing). With no layers the drag is over.
   void RenderSVGLayers(DrawingContext& ctx, double side);
   // The same for the mini preview, without marks.
   void RenderPreview(DrawingContext& ctx, double side);
@@ -55,7 +56,9 @@ class cwCanvas : public Widget {
   int HitTest(double x, double y);
   // The side of the drawing square in widget units.
   double DrawingSide() const;
-  // The side the layers are drawn at, in device pixels.
+  // The side the layers are drawn at, in device pixels. Each paint makes
+  // it App().CanvasWidth and CanvasHeight, so that a layer measured with
+  // CalcOffSet(0, 0, ...) is measured as it is drawn.
   int DevicePixelSide() const;
   // The mini preview's picture; none until a paint with DrawPreview on.
   SurfacePtr PreviewSurface() const { return preview_; }

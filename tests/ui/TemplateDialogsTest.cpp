@@ -102,21 +102,24 @@ struct TemplateHost {
   }
   // Shows a dialog as the design view does, and runs one act per idle turn
   // of the dialogs' loops while it is open; every act must have run when it
-  // closes. An act that leaves nothing to do (it only looks) is followed by
-  // a move over the studio window, which the dialog keeps disabled, so that
-  // the loop turns again rather than wait for nothing.
+  // closes. After each act a move over the studio window, which the dialog
+  // keeps disabled, turns the loop again, so that an act that only looks
+  // does not leave it waiting for nothing. A dialog still open when the
+  // acts have run out is a failure, and is closed so the test goes on.
   int Show(std::unique_ptr<Widget> dialog, double width, double height, std::vector<Act> acts,
            const std::function<void(Widget&, int)>& after = {}) {
     auto ran = std::make_shared<std::size_t>(0);
     const std::size_t count = acts.size();
-    for (Act& act : acts) {
-      act = [this, ran, act = std::move(act)] {
-        ++*ran;
-        act();
-        ui.Backend().Push({UiEvent::Type::MouseMove, &form, 0, 0, 0, 1, 1});
-      };
-    }
-    ui.WhileOpen(std::move(acts));
+    ui.Backend().OnIdle = [this, ran, acts = std::move(acts)] {
+      if (*ran < acts.size()) {
+        acts[(*ran)++]();
+      } else if (cfToolDialog* open = Top()) {
+        auto* box = dynamic_cast<cwMsgBox*>(open->Hosted());
+        ADD_FAILURE() << "left open: " << (box ? "the message \"" + box->Caption() + "\"" : open->Caption);
+        cfToolDialog::CloseWith(*open->Hosted(), ToolResult::Cancel);
+      }
+      ui.Backend().Push({UiEvent::Type::MouseMove, &form, 0, 0, 0, 1, 1});
+    };
     const int result = ShowTemplateTool(std::move(dialog), "Template", width, height, after);
     ui.Backend().OnIdle = nullptr;
     EXPECT_EQ(*ran, count) << "the dialog closed before all acts ran";
@@ -396,6 +399,21 @@ TEST(TemplateDialogs, ExportThenImportIntoAFreshLibraryGivesTheSameEntriesAndADa
   EXPECT_EQ(ReadAllBytes(path), ToBytes("kept"));
   WriteAllBytes(path, written);
 
+  // A template without layers would be refused by every import: it is not written.
+  h.app().Layers.Clear();
+  ASSERT_TRUE(WriteCurrentLayerList(h.app(), "Empty", "", {}));
+  std::string refusal;
+  {
+    auto exporter = std::make_unique<cwExportTemplate>();
+    exporter->setLayer_ID(FindDesign(h.app(), "Empty"));
+    h.Show(std::move(exporter), cwExportTemplate::kWidth, cwExportTemplate::kHeight,
+           {h.Press("btnExport"), h.Answer("btnOk", &refusal), h.Press("btnCancel")});
+  }
+  EXPECT_EQ(refusal,
+            "This template cannot be exported, because it could not be imported again: the template has no "
+            "layer entries (\"Content\")");
+  EXPECT_FALSE(FileExists(files / "Empty.tpl"));
+
   // Another library: a damaged file is refused and writes nothing.
   StartedApp fresh;
   ASSERT_TRUE(fresh.Start());
@@ -442,6 +460,7 @@ TEST(TemplateDialogs, ExportThenImportIntoAFreshLibraryGivesTheSameEntriesAndADa
   EXPECT_EQ(imported.Image, original.Image);
 
   // The same name in another case asks; No leaves the one there.
+  question.clear();
   {
     auto importer = std::make_unique<cwImportTemplate>();
     importer->setFilePath(path);
@@ -449,6 +468,7 @@ TEST(TemplateDialogs, ExportThenImportIntoAFreshLibraryGivesTheSameEntriesAndADa
            {h.Type("txtName", "SUNSET"), h.Press("btnImport"), h.Answer("btnNo", &question),
             h.Press("btnCancel")});
   }
+  EXPECT_EQ(question, "This name already exists. Overwrite?");
   EXPECT_EQ(fresh.Count("Select Count(*) From Layer"), designs + 1);
-  EXPECT_EQ(FindDesign(*fresh.app, "Sunset"), id);
+  EXPECT_EQ(ReadDesign(*fresh.app, id)->Name, "Sunset");
 }

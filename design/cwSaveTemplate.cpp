@@ -33,6 +33,7 @@ cwSaveTemplate::cwSaveTemplate() : Widget("cwSaveTemplate") {
   lblDescription_->Caption = TemplateText("Description");
   txtDescription_ = &Children().Add<cwTextBox>("txtDescription");
   txtDescription_->setMultiLine(true);
+  txtDescription_->VCenter = false;
   txtDescription_->setMaxLength(kMaxDescriptionLength);
   btnSave_ = &Children().Add<cwButton>("btnSave");
   btnSave_->Caption = TemplateText("Save");

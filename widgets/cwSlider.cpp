@@ -122,6 +122,7 @@ bool cwSlider::W_MouseUp(int button, int, double, double) {
   dragging_ = false;
   ReleaseCapture();
   Refresh();
+  RaiseEvent(MouseUp, "MouseUp");
   return true;
 }
 

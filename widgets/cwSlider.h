@@ -36,6 +36,9 @@ class cwSlider : public Widget {
 
   // The value changed, by the user or by code; also bubbled.
   std::function<void()> Changed;
+  // The knob was let go after a drag: the moment a change is complete.
+  std::function<void()> MouseUp;
+  bool Dragging() const { return dragging_; }
 
   bool Typing() const { return edit_ != nullptr; }
   static constexpr double kTypingPauseMs = 500;

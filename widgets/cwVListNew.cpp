@@ -330,6 +330,12 @@ void cwVListNew::ItemRect(int index, double& x, double& y, double& w, double& h)
   }
 }
 
+bool cwVListNew::ItemBounds(int index, double& x, double& y, double& w, double& h) const {
+  if (!InRange(index)) return false;
+  ItemRect(index, x, y, w, h);
+  return true;
+}
+
 WidgetPoint cwVListNew::W_RowPoint(int row) {
   if (!InRange(row)) return {};
   const int line = row / cellsPerLine_;
@@ -347,6 +353,7 @@ void cwVListNew::W_ReportState(WidgetState& state) const {
   state.listIndex = listIndex_;
   state.scrollIndex = scrollIndex_;
   state.selected = GetSelections();
+  if (ReportItems) state.items = ReportItems();
 }
 
 // --- painting ------------------------------------------------------------------

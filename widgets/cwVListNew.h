@@ -55,6 +55,9 @@ class cwVListNew : public cwScrollable {
   // The row at a point of the inner area; -1 past the last row (unless
   // the button is down) or beside the grid.
   int GetListIndexFromMouseY(double y) const;
+  // The rectangle of a row or cell in content coordinates, as the mouse
+  // events give them; false for an index that is not a row.
+  bool ItemBounds(int index, double& x, double& y, double& w, double& h) const;
   int GetListIndexFromMouseXY(double x, double y) const;
   // The data column under x (inner area, scrolled), -1 for none.
   int GetColumnIndexFromMouseX(double x) const;
@@ -143,6 +146,9 @@ class cwVListNew : public cwScrollable {
   // The keyboard moved the row.
   std::function<void()> ChangeListIndex;
   std::function<void(int index, double x, double y)> MouseMoveOnListItem;
+  // What the owner's rows hold, for the automation's dump: the list itself
+  // knows only their number.
+  std::function<std::vector<WidgetState::Item>()> ReportItems;
   // A drag of the selection begins; also bubbled. The owner may set what
   // it carries before the list starts it.
   std::function<void()> DragStartSrc;

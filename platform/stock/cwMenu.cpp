@@ -194,6 +194,12 @@ void cwMenu::AddItem(const std::string& key, const std::string& caption, const s
   items_.push_back({key, caption, pictureKey, enabled});
 }
 
+void cwMenu::RemoveItemsUnder(const std::string& root) {
+  const std::string prefix = root + ">";
+  std::erase_if(items_,
+                [&](const MenuItem& item) { return item.key.compare(0, prefix.size(), prefix) == 0; });
+}
+
 void cwMenu::setItemEnabled(const std::string& key, bool enabled) {
   for (MenuItem& item : items_) {
     if (item.key == key) item.enabled = enabled;

@@ -31,6 +31,8 @@ class cwMenu : public Widget {
                bool enabled = true);
   void setItemEnabled(const std::string& key, bool enabled);
   void Clear() { items_.clear(); }
+  // Takes away the items under `root` ("root>..."), leaving the others.
+  void RemoveItemsUnder(const std::string& root);
   // The items directly under `root`, in the order they were added.
   std::vector<const MenuItem*> ItemsUnder(const std::string& root) const;
 

@@ -22,8 +22,20 @@ double cwToolBarItem::PreferredLength(double side, bool vertical) const {
 void cwToolBarItem::W_Paint(DrawingContext& ctx, double w, double h) {
   const int state = (pressed_ ? ThemeState::Pressed : 0) | (Checked ? ThemeState::Checked : 0) |
                     (MouseOver() ? ThemeState::Hover : 0) | (EnabledInTree() ? 0 : ThemeState::Disabled);
-  // Flat until the mouse comes, it is pressed or it is checked.
-  if (state & (ThemeState::Pressed | ThemeState::Checked | ThemeState::Hover)) DrawFace(ctx, w, h, state);
+  // Flat until the mouse comes, it is pressed or it is checked. A checked
+  // item keeps a light face with an accent frame: its picture is drawn in
+  // the accent colour and would vanish on an accent face.
+  if (state & (ThemeState::Pressed | ThemeState::Hover)) {
+    DrawFace(ctx, w, h, state);
+  } else if (state & ThemeState::Checked) {
+    DrawFace(ctx, w, h, (state & ~ThemeState::Checked) | ThemeState::Hover);
+  }
+  if ((state & ThemeState::Checked) && !(state & ThemeState::Pressed)) {
+    ctx.SetSourceColor(StockColor(Palette::Accent));
+    ctx.SetLineWidth(1.5);
+    ctx.RoundedRectangle(1, 1, w - 2, h - 2, 3);
+    ctx.Stroke();
+  }
   const double body = HasDropArrow ? w - kArrowWidth : w;
   if (!PictureKey().empty()) {
     const double side = std::clamp(std::min(body, h) - 8, 8.0, 24.0);

@@ -39,7 +39,44 @@ void Groups(const XmlNode& node, const std::string& value, std::vector<XmlNode>&
   }
 }
 
+// The first layer from the top, other than `key` itself, whose field names `key`.
+std::string EffectKeyBy(const AppContext& app, const std::string& key,
+                        std::string (cSVGItem::*field)() const) {
+  if (key.empty()) return {};
+  for (const auto& e : app.Layers) {
+    if (e.Key != key && ((*e.Item).*field)() == key) return e.Key;
+  }
+  return {};
+}
+
 }  // namespace
+
+std::string EffectKeyBySymbolKey(const AppContext& app, const std::string& key) {
+  return EffectKeyBy(app, key, &cSVGItem::EffSymbolKey);
+}
+
+std::string EffectKeyByBGKey(const AppContext& app, const std::string& key) {
+  return EffectKeyBy(app, key, &cSVGItem::EffBGKey);
+}
+
+void EffectReplaceSymbolKey(AppContext& app, const std::string& oldKey, const std::string& newKey) {
+  const std::string effect = EffectKeyBySymbolKey(app, oldKey);
+  if (!effect.empty()) app.Layers.Item(effect)->setEffSymbolKey(newKey);
+}
+
+bool DeleteEffectItems(AppContext& app, const std::string& key, bool alsoBackground) {
+  const std::string effect = EffectKeyBySymbolKey(app, key);
+  if (!effect.empty()) app.Layers.Remove(effect);
+  if (alsoBackground) {
+    const std::string bounded = EffectKeyByBGKey(app, key);
+    if (!bounded.empty()) {
+      const SVGItemPtr& layer = app.Layers.Item(bounded);
+      layer->setEffBGKey("");
+      layer->SettingsRefresh();
+    }
+  }
+  return !effect.empty();
+}
 
 void RefreshIconClips(AppContext& app) {
   for (const auto& e : app.Layers) {

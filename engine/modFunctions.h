@@ -11,6 +11,18 @@ namespace qds {
 class DrawingContext;
 struct AppContext;
 
+// The effect layer drawn from the layer `key`, and the effect layer whose
+// background shape is `key`: the key of the first from the top, "" when
+// there is none.
+std::string EffectKeyBySymbolKey(const AppContext& app, const std::string& key);
+std::string EffectKeyByBGKey(const AppContext& app, const std::string& key);
+// The effect of `oldKey` follows its symbol to `newKey`.
+void EffectReplaceSymbolKey(AppContext& app, const std::string& oldKey, const std::string& newKey);
+// Removes the effect layer of `key`; with `alsoBackground` the effect that
+// `key` bounded loses its background and is drawn anew. True when the stack
+// lost a layer.
+bool DeleteEffectItems(AppContext& app, const std::string& key, bool alsoBackground);
+
 // Every layer cut by another layer's icon gets its cut traced, where it is
 // missing or out of date: after a load, an undo, or a new icon in a layer.
 void RefreshIconClips(AppContext& app);

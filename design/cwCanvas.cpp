@@ -21,26 +21,22 @@ namespace qds {
 namespace {
 
 // The marks of the selected layer belong on the canvas only: not in the
-// preview, and not in the pictures a press is looked up in, where a frame
-// would catch the mouse all around the layer's box.
-class MarksOff {
+// preview, the pictures a press is looked up in (where a frame would catch
+// the mouse all around the layer's box), the layer list or an export. The
+// hook is in force only while the canvas draws itself.
+class MarksOn {
  public:
-  explicit MarksOff(AppContext& app)
-      : app_(app), frame_(std::move(app.ShowsSelectionFrame)), centre_(std::move(app.ShowCentre)) {
-    app.ShowsSelectionFrame = nullptr;
-    app.ShowCentre = nullptr;
+  MarksOn(AppContext& app, std::function<bool(const cSVGItem&)> selected)
+      : app_(app), before_(std::move(app.ShowsSelectionFrame)) {
+    app.ShowsSelectionFrame = std::move(selected);
   }
-  ~MarksOff() {
-    app_.ShowsSelectionFrame = std::move(frame_);
-    app_.ShowCentre = std::move(centre_);
-  }
-  MarksOff(const MarksOff&) = delete;
-  MarksOff& operator=(const MarksOff&) = delete;
+  ~MarksOn() { app_.ShowsSelectionFrame = std::move(before_); }
+  MarksOn(const MarksOn&) = delete;
+  MarksOn& operator=(const MarksOn&) = delete;
 
  private:
   AppContext& app_;
-  decltype(AppContext::ShowsSelectionFrame) frame_;
-  decltype(AppContext::ShowCentre) centre_;
+  decltype(AppContext::ShowsSelectionFrame) before_;
 };
 
 void ClearSurface(DrawingContext& ctx) {
@@ -171,8 +167,8 @@ void cwCanvas::PaintBackground(DrawingContext& ctx, int, int height) {
 
 void cwCanvas::DrawLayers(DrawingContext& ctx, double side, bool marks) {
   AppContext& app = App();
-  std::optional<MarksOff> off;
-  if (!marks) off.emplace(app);
+  std::optional<MarksOn> on;
+  if (marks && IsSelected) on.emplace(app, IsSelected);
   for (int i = app.Layers.Count() - 1; i >= 0; --i) {
     const SVGItemPtr layer = app.Layers.Item(i);
     if (layer->Visible()) layer->RenderTo(ctx, side, side, marks);
@@ -269,7 +265,6 @@ int cwCanvas::HitTest(double x, double y) {
   const int col = static_cast<int>(cx), row = static_cast<int>(cy);
   if (!scratch_ || scratch_->Width() != pw || scratch_->Height() != ph)
     scratch_ = DrawingSurface::Create(pw, ph);
-  const MarksOff off(app);
   // Only the one pixel is drawn: a layer costs what compositing a pixel
   // costs, its picture coming from the render cache the paint filled.
   for (int i = 0; i < count; ++i) {
@@ -288,7 +283,6 @@ WidgetPoint cwCanvas::W_RowPoint(int row) {
   InnerPixels(pw, ph);
   if (!scratch_ || scratch_->Width() != pw || scratch_->Height() != ph)
     scratch_ = DrawingSurface::Create(pw, ph);
-  const MarksOff off(app);
   const int side = std::min(pw, ph);
   // Where the layers above show, a press would hit them.
   std::vector<std::uint8_t> free(static_cast<std::size_t>(pw) * ph, 0);

@@ -16,6 +16,7 @@
 
 namespace qds {
 
+class cSVGItem;
 class cwRuler;
 
 class cwCanvas : public Widget {
@@ -66,6 +67,8 @@ class cwCanvas : public Widget {
   int PreviewSide() const { return previewSide_; }
   void setPreviewSide(int side);
 
+  // Which layer the canvas frames as the selected one; none frames no layer.
+  std::function<bool(const cSVGItem& layer)> IsSelected;
   // Set by the owner while the mouse drags a layer.
   bool Dragging = false;
 

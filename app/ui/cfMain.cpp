@@ -116,6 +116,8 @@ void cfMain::CreateTwoPanelLayoutViews() {
   exportView_ = std::make_unique<cvIconExportView>();
   settingsView_ = std::make_unique<cvIconSettingsView>();
   helpView_ = std::make_unique<cvIconHelpView>();
+  designView_->SelectView = selectView_.get();
+  SaveDesign = [this] { return designView_->ShowSaveTemplate(); };
   for (const char* name : kViewNames) {
     Widget& layout = AddViewLayout(*this, name);
     layout.setVisible(false);
@@ -159,6 +161,7 @@ void cfMain::TitleBarVersion(const std::string& text) {
 }
 
 void cfMain::SwitchToView(const std::string& name) {
+  designView_->PreviousView = active_;
   View(name).SwitchToView();
 }
 
@@ -226,6 +229,7 @@ bool cfMain::Form_KeyDown(int keyCode, int shift) {
     SwitchToView(active_);
     return true;
   }
+  if (active_ == "IconDesignView" && designView_->Form_KeyDown(keyCode, shift)) return true;
   // The manual opens when one is installed beside the program.
   if (keyCode == Key::F1 && shift == Shift::None && HasApp() && FileExists(App().DocManual)) {
     PlatformRoot::ShellOpen(App().DocManual);

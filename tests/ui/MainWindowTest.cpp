@@ -60,9 +60,10 @@ TEST(MainWindow, AChangedDesignIsAskedAboutAndOnlyYesOrNoCloseTheWindow) {
     EXPECT_FALSE(form.Showing());
     EXPECT_EQ(answer.asked, 0);
   }
-  studio.app->DesignModified = true;
+  // The window starts the design's history afresh: the design changes after.
   cfMain form;
   form.Show();
+  studio.app->DesignModified = true;
   int saves = 0;
   bool saved = false;
   form.SaveDesign = [&] {
@@ -89,6 +90,7 @@ TEST(MainWindow, AChangedDesignIsAskedAboutAndOnlyYesOrNoCloseTheWindow) {
   cfMain other;
   other.Show();
   other.LayoutNow();
+  studio.app->DesignModified = true;
   other.SaveDesign = form.SaveDesign;
   answer.answers.push_back("btnNo");
   ui.Click(*other.Find("TitleBar/FormButtons/btnFormClose"));

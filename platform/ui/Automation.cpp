@@ -324,6 +324,14 @@ Widget& FindWidget(PlatformRoot& root, const std::string& path) {
     }
   }
   if (found.empty()) Fail("no widget '" + path + "' in the open forms");
+  // A dialog opened over a dialog of the same kind: the user acts in the
+  // newest one, which is the one the path means.
+  if (found.size() > 1) {
+    cfForm* newest = found.back()->Form();
+    if (std::all_of(found.begin(), found.end() - 1, [&](Widget* w) { return w->Form() != newest; }) &&
+        newest == ActiveForm(root))
+      return *found.back();
+  }
   if (found.size() > 1) {
     std::string which;
     for (Widget* w : found) which += (which.empty() ? "" : ", ") + w->Form()->TypeName() + "/" + PathOf(*w);

@@ -30,6 +30,13 @@ cwImportTemplate::cwImportTemplate() : Widget("cwImportTemplate") {
   lblFile_ = &Children().Add<cwLabel>("lblFile");
   lblFile_->Caption = TemplateText("File");
   txtFile_ = &Children().Add<cwTextBox>("txtFile");
+  // A typed path names the template after its file, until the user names
+  // it otherwise.
+  txtFile_->Change = [this] {
+    if (Name() != followedName_) return;
+    followedName_ = BaseNameOf(FilePath());
+    txtName_->setText(followedName_);
+  };
   btnFile_ = &Children().Add<cwButton>("btnFile");
   btnFile_->Caption = "…";
   btnFile_->ToolTip = TemplateText("File");
@@ -55,6 +62,7 @@ cwImportTemplate::cwImportTemplate() : Widget("cwImportTemplate") {
 void cwImportTemplate::Init() {
   txtFile_->setText("");
   txtName_->setText("");
+  followedName_.clear();
 }
 
 std::string cwImportTemplate::FilePath() const {
@@ -63,7 +71,8 @@ std::string cwImportTemplate::FilePath() const {
 
 void cwImportTemplate::setFilePath(const std::string& path) {
   txtFile_->setText(path);
-  txtName_->setText(BaseNameOf(path));
+  followedName_ = BaseNameOf(path);
+  txtName_->setText(followedName_);
 }
 
 std::string cwImportTemplate::Name() const {

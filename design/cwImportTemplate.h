@@ -53,6 +53,8 @@ class cwImportTemplate : public Widget {
   cwTextBox* txtName_ = nullptr;
   cwButton* btnImport_ = nullptr;
   cwButton* btnCancel_ = nullptr;
+  // The name the file box last gave the name box.
+  std::string followedName_;
 };
 
 }  // namespace qds

@@ -110,7 +110,8 @@ void cvIconDesignView::vlstLayers_OwnerDrawItem(int index, DrawingContext& cc, d
   }
   const double left = side + 12;
   cc.SelectFont(UiFont(), kUiFontSize, StockColor(Palette::Text));
-  std::string name = layer.FriendlyName();
+  // A text layer is known by what it says.
+  std::string name = layer.TextContent().empty() ? layer.FriendlyName() : "\"" + layer.TextContent() + "\"";
   if (IsSetLayer(key, layer)) {
     const ItemCollection& set = key == "_BaseIco" ? app.BaseIcons : app.OverlayLayers;
     name += "  (" + std::to_string(layer.SelectionIndex() + 1) + "/" + std::to_string(set.Count()) + ")";

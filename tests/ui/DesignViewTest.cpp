@@ -219,6 +219,20 @@ TEST(DesignView, TheStackIsBuiltMovedHiddenAndUndoneStepByStep) {
   EXPECT_EQ(h.app().Layers.Item("_BaseIco")->FriendlyName(), "home");
   h.RowButton(1, cvIconDesignView::BtnMinus);
   EXPECT_EQ(h.app().Layers.Item("_BaseIco")->FriendlyName(), "lock");
+
+  // A row dragged onto the top row goes before it, and the undo takes it back.
+  cwVListNew& list = *v.vlstLayers;
+  const WidgetPoint from = list.W_RowPoint(2), to = list.W_RowPoint(0);
+  h.MouseIn(list, UiEvent::Type::MouseMove, from.x, from.y);
+  h.MouseIn(list, UiEvent::Type::MouseDown, from.x, from.y);
+  h.MouseIn(list, UiEvent::Type::MouseMove, from.x, from.y - 10, Button::Left);
+  h.MouseIn(list, UiEvent::Type::MouseMove, to.x, to.y, Button::Left);
+  h.MouseIn(list, UiEvent::Type::MouseUp, to.x, to.y);
+  h.Settle();
+  EXPECT_EQ(h.Stack(), (Keys{text, shape, "_BaseIco"}));
+  EXPECT_EQ(list.ListIndex(), 0);
+  h.Key('Z', Shift::Ctrl);
+  EXPECT_EQ(h.Stack(), (Keys{shape, "_BaseIco", text}));
 }
 
 TEST(DesignView, CopiesArePastedAboveTheRowAndALibraryKeyOnlyOnce) {

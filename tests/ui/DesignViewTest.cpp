@@ -20,6 +20,7 @@
 #include "design/cwPosQuad.h"
 #include "engine/modHistory.h"
 #include "platform/Error.h"
+#include "platform/stock/cwMenu.h"
 #include "tests/support/LibraryLayers.h"
 #include "tests/support/StartedApp.h"
 #include "tests/support/UiDriver.h"
@@ -100,7 +101,28 @@ struct DesignHost {
     ClickIn(*p.widget, p.x, p.y);
   }
   bool Enabled(cwToolBar& bar, const char* key) { return bar.Item(key)->Enabled(); }
-  // A mouse event at a point of a widget, in its own units.
+  // Opens the layer's settings menu and chooses `item`; false when the menu
+  // does not offer it.
+  bool Setting(const char* item) {
+    view->Refresh();  // the menu follows the layer as it is now
+    auto* menu = form->Find<cwMenu>("IconDesignView/MenuPopUp");
+    const std::string key = std::string("MenuSettings>") + item;
+    bool offered = false;
+    for (const auto* i : menu->ItemsUnder("MenuSettings")) offered = offered || i->key == key;
+    if (!offered) return false;
+    Tool(*view->tbarLayers, "Config");
+    const WidgetPoint p = menu->W_ItemPoint(key);
+    if (!p.widget) return false;
+    double x, y;
+    p.widget->FormPosition(x, y);
+    cfForm& popup = *p.widget->Form();
+    const double zoom = popup.Zoom();
+    ui.Mouse(popup, UiEvent::Type::MouseMove, (x + p.x) * zoom, (y + p.y) * zoom);
+    ui.Mouse(popup, UiEvent::Type::MouseDown, (x + p.x) * zoom, (y + p.y) * zoom);
+    ui.Mouse(popup, UiEvent::Type::MouseUp, (x + p.x) * zoom, (y + p.y) * zoom);
+    Settle();
+    return true;
+  }
   // Moves carry the buttons held: `held` while dragging.
   void MouseIn(Widget& w, UiEvent::Type type, double x, double y, int held = 0) {
     double fx, fy;
@@ -406,4 +428,39 @@ TEST(DesignView, ArrowKeysAndControlsWriteNothingWithoutASelection) {
   EXPECT_TRUE(h.app().Layers.Empty());
   EXPECT_EQ(h.app().UndoRedo.HistoryCount(), 1);
   EXPECT_FALSE(h.app().DesignModified);
+}
+
+TEST(DesignView, TheSettingsMenuCopiesColoursAndDuplicatesALayer) {
+  DesignHost h;
+  h.Gather({"user"});
+  h.Tool(*h.view->tbarCanvas2, "Shapes");
+  const std::string shape = "241126120010Shapes";
+  cSVGItem& circle = *h.app().Layers.Item(shape);
+  // A layer without a colour of its own has nothing to copy.
+  EXPECT_FALSE(h.Setting("Copy"));
+  circle.setFilter(cSVGItem::FilterColor);
+  circle.setColorItem(cColorItem(0x0000FF));
+  circle.setOpacity(40);
+  circle.setZoomPercent(30);
+  h.view->AddToHistory();  // as the tools that set them do
+  ASSERT_TRUE(h.Setting("Copy"));
+
+  // Pasted on the base icon: its colour and opacity, not its size.
+  h.ClickRow(1);
+  EXPECT_FALSE(h.Setting("DuplicateLayer"));  // the base icon is one of a kind
+  ASSERT_TRUE(h.Setting("Paste"));
+  const cSVGItem& base = *h.app().Layers.Item("_BaseIco");
+  EXPECT_EQ(base.Filter(), cSVGItem::FilterColor);
+  EXPECT_EQ(base.ColorItem().Color(), 0x0000FF);
+  EXPECT_EQ(base.Opacity(), 40);
+  EXPECT_EQ(base.ZoomPercent(), 100);
+  h.Key('Z', Shift::Ctrl);
+  EXPECT_EQ(h.app().Layers.Item("_BaseIco")->Filter(), cSVGItem::FilterOriginal);
+
+  // A duplicate of the shape lands above it under a stamp of its own.
+  h.ClickRow(0);
+  h.second = 14;
+  ASSERT_TRUE(h.Setting("DuplicateLayer"));
+  EXPECT_EQ(h.Stack(), (Keys{"241126120014Shapes", shape, "_BaseIco"}));
+  EXPECT_EQ(h.app().Layers.Item(0)->ZoomPercent(), 30);
 }

@@ -324,12 +324,12 @@ Widget& FindWidget(PlatformRoot& root, const std::string& path) {
     }
   }
   if (found.empty()) Fail("no widget '" + path + "' in the open forms");
-  // A dialog opened over a dialog of the same kind: the user acts in the
-  // newest one, which is the one the path means.
+  // A modal dialog opened over a dialog of the same kind: the user can act
+  // only in the newest one, which is the one the path means.
   if (found.size() > 1) {
     cfForm* newest = found.back()->Form();
-    if (std::all_of(found.begin(), found.end() - 1, [&](Widget* w) { return w->Form() != newest; }) &&
-        newest == ActiveForm(root))
+    if (newest->Modal() && newest == ActiveForm(root) &&
+        std::all_of(found.begin(), found.end() - 1, [&](Widget* w) { return w->Form() != newest; }))
       return *found.back();
   }
   if (found.size() > 1) {

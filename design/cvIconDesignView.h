@@ -137,6 +137,9 @@ class cvIconDesignView : public cvView {
   void tbarLayers_Click(const std::string& key);
   void MoveLayer(int from, int to);
   void DeleteLayer();
+  bool ConfirmRemoveLayer() const;
+  // The list, the canvas and the history after the row at `row` went.
+  void ShowAfterRemoval(int row);
   void DeleteAllLayers();
   void CreateOverlaySet();
   void tbarCanvas2_Click(const std::string& key);

@@ -281,13 +281,32 @@ void cvIconDesignView::MoveLayer(int from, int to) {
   AddToHistory();
 }
 
+bool cvIconDesignView::ConfirmRemoveLayer() const {
+  const cLanguage text = LanguageText("RemoveIcon");
+  return ShowMsgBox(text.Text, MsgStyle::YesNo, text.Tooltip, "MsgDelLayer") == MsgResult::Yes;
+}
+
+void cvIconDesignView::ShowAfterRemoval(int row) {
+  AppContext& app = App();
+  SyncListCount();
+  if (!app.Layers.Empty()) {
+    vlstLayers->setListIndex(std::min(row, app.Layers.Count() - 1));
+    vlstLayers_Click();
+  } else {
+    CurrentLayer = nullptr;
+    app.DesignOpacity = 100;
+    app.DesignOpacityOn = false;
+    Opacity1->setValue(100);
+  }
+  CanvasRedraw();
+  AddToHistory();
+  Refresh();
+}
+
 void cvIconDesignView::DeleteLayer() {
   AppContext& app = App();
   const int row = SelectedRow();
-  if (row < 0) return;
-  if (ShowMsgBox(LanguageText("RemoveIcon").Text, MsgStyle::YesNo, LanguageText("RemoveIcon").Tooltip,
-                 "MsgDelLayer") != MsgResult::Yes)
-    return;
+  if (row < 0 || !ConfirmRemoveLayer()) return;
   const std::string key = app.Layers.KeyByIndex(row);
   const SVGItemPtr layer = app.Layers.Item(row);
   // The layers that cut this one, or that this one cuts, forget it.
@@ -302,41 +321,16 @@ void cvIconDesignView::DeleteLayer() {
   if (layer->UseAsOverlay()) app.OverlayLayers.Clear();
   app.Layers.RemoveAt(row);
   DeleteEffectItems(app, key, true);
-  SyncListCount();
-  if (!app.Layers.Empty()) {
-    vlstLayers->setListIndex(std::min(row, app.Layers.Count() - 1));
-    vlstLayers_Click();
-  } else {
-    CurrentLayer = nullptr;
-    app.DesignOpacity = 100;
-    app.DesignOpacityOn = false;
-    Opacity1->setValue(100);
-    Refresh();
-  }
-  CanvasRedraw();
-  AddToHistory();
+  ShowAfterRemoval(row);
 }
 
 void cvIconDesignView::vlstLayers_DeleteKeyPressed() {
-  AppContext& app = App();
   const int row = SelectedRow();
-  if (row < 0) return;
-  if (ShowMsgBox(LanguageText("RemoveIcon").Text, MsgStyle::YesNo, LanguageText("RemoveIcon").Tooltip,
-                 "MsgDelLayer") != MsgResult::Yes)
-    return;
+  if (row < 0 || !ConfirmRemoveLayer()) return;
   // Only the row goes: its effect layer and the clips that name it stay,
   // until an undo pass tidies them.
-  app.Layers.RemoveAt(row);
-  SyncListCount();
-  if (app.Layers.Empty()) {
-    CurrentLayer = nullptr;
-  } else {
-    vlstLayers->setListIndex(std::min(row, app.Layers.Count() - 1));
-    vlstLayers_Click();
-  }
-  CanvasRedraw();
-  AddToHistory();
-  Refresh();
+  App().Layers.RemoveAt(row);
+  ShowAfterRemoval(row);
 }
 
 void cvIconDesignView::DeleteAllLayers() {

@@ -32,11 +32,6 @@ constexpr double kLineHeight = 26, kFirstRow = 6, kSecondRow = 38, kMargin = 8;
 std::string TextOf(const char* key) {
   return LanguageText(key).Text;
 }
-// A tip for a key: its tool tip, else its text.
-std::string TipOf(const char* key) {
-  const cLanguage t = LanguageText(key);
-  return t.Tooltip.empty() ? t.Text : t.Tooltip;
-}
 
 // A row's ID: a whole number above 0 that fits an int, or 0 for anything
 // else (null, text, a fraction), which no row of the library has.
@@ -48,13 +43,6 @@ int RowId(const Value& v) {
 
 std::string RowText(const Value& v) {
   return v.GetKind() == Value::Kind::String ? v.Get<std::string>() : std::string();
-}
-
-template <class W>
-W& Place(Widget& parent, const char* key, double x, double y, double w, double h) {
-  W& widget = parent.Children().Add<W>(key);
-  widget.Move(x, y, w, h);
-  return widget;
 }
 
 }  // namespace

@@ -32,18 +32,6 @@ namespace {
 constexpr double kToolBarHeight = 30, kMargin = 8, kLine = 26;
 constexpr double kPreviewSide = 110;
 
-std::string TipOf(const char* key) {
-  const cLanguage t = LanguageText(key);
-  return t.Tooltip.empty() ? t.Text : t.Tooltip;
-}
-
-template <class W>
-W& Place(Widget& parent, const char* key, double x, double y, double w, double h) {
-  W& widget = parent.Children().Add<W>(key);
-  widget.Move(x, y, w, h);
-  return widget;
-}
-
 }  // namespace
 
 cvIconDesignView::cvIconDesignView() = default;

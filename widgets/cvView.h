@@ -5,7 +5,9 @@
 // asks for the change.
 
 #include <functional>
+#include <string>
 
+#include "app/modTexts.h"
 #include "platform/ui/Widget.h"
 
 namespace qds {
@@ -28,5 +30,18 @@ class cvView {
   // Set by the window: shows this view's layout and hides the others.
   std::function<void()> Activate;
 };
+
+// What the views build their panels with: a widget of class W added under
+// `key` at its place, and the tip of a text key (its tool tip, else its text).
+template <class W>
+W& Place(Widget& parent, const char* key, double x, double y, double w, double h) {
+  W& widget = parent.Children().Add<W>(key);
+  widget.Move(x, y, w, h);
+  return widget;
+}
+inline std::string TipOf(const char* key) {
+  const cLanguage t = LanguageText(key);
+  return t.Tooltip.empty() ? t.Text : t.Tooltip;
+}
 
 }  // namespace qds

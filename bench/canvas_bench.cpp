@@ -16,6 +16,7 @@
 #include "app/AppContext.h"
 #include "app/modStartup.h"
 #include "bench/RatioReporter.h"
+#include "bench/TypicalDesign.h"
 #include "design/cwCanvas.h"
 #include "engine/cSVGItem.h"
 #include "engine/modRenderDesign.h"
@@ -51,7 +52,7 @@ struct World {
     StartWithoutWindow(*app);
     SetCurrentTheme(std::make_shared<cThemeQuillaron>());
     root.setImages(&app->ImageList());
-    BuildDesign();
+    BuildTypicalDesign(*app, LibraryLayer(*app, "camera-3", "Flat"));
     const double outer = kSide + cwCanvas::kDefaultBorder;
     form.Resize(outer + 20, outer + 20);
     canvas.Move(0, 0, outer, outer);
@@ -60,52 +61,6 @@ struct World {
     moved = app->Layers.Item("_BaseIco");
     // Where only the bottom layer has ink.
     bottom = canvas.W_RowPoint(app->Layers.Count() - 1);
-  }
-
-  // Six layers: text, a badge with a gradient, the base icon with a form
-  // clip, its glow, its long shadow, and a background shape.
-  void BuildDesign() {
-    AppContext& a = *app;
-    SVGItemPtr bg = LibraryLayer(a, "Background_Rounded_Square_Blue", "Design Elements");
-    SVGItemPtr base = LibraryLayer(a, "camera-3", "Flat");
-    base->setZoomPercent(60);
-    base->setClipExists(true);
-    base->setClipInverted(false);
-    SVGItemPtr badge = LibraryLayer(a, "star", "Flat");
-    badge->setZoomPercent(30);
-    badge->setPos(3);
-    badge->setFilter(cSVGItem::FilterGradient);
-    badge->GradStopsAdd(0, 0xFFFFFF, 1, 0);
-    badge->GradStopsAdd(1, 0x00C0FF, 1, 1);
-    const auto effect = [](int type, const std::string& name) {
-      auto e = std::make_shared<cSVGItem>();
-      e->Init(Value("0101260000" + name), {}, name, nullptr, true, cSVGItem::FilterColor);
-      e->setEffType(type);
-      e->setEffSymbolKey("_BaseIco");
-      e->setEffBGKey("bg");
-      return e;
-    };
-    auto text = std::make_shared<cSVGItem>();
-    text->Init(Value("0101260000Text"), {}, "Text", nullptr, true, cSVGItem::FilterColor);
-    text->setTextContent("Qd");
-    text->setZoomPercent(30);
-    text->setPos(9);
-    SVGItemPtr shadow = effect(1, "LS");
-    SVGItemPtr glow = effect(5, "GL");
-    glow->setEffBlur(3);
-    a.Layers.Add(text, "text");
-    a.Layers.Add(badge, "badge");
-    a.Layers.Add(base, "_BaseIco");
-    a.Layers.Add(glow, "glow");
-    a.Layers.Add(shadow, "ls");
-    a.Layers.Add(bg, "bg");
-    text->SettingsRefresh();
-    text->setColorItem(cColorItem(0xFFFFFF));
-    shadow->SettingsRefresh();
-    shadow->setColorItem(cColorItem(0));
-    shadow->setOpacity(30);
-    glow->SettingsRefresh();
-    glow->setColorItem(cColorItem(0x00FFFF));
   }
 
   void Paint() {

@@ -1,7 +1,6 @@
 // The design view as a user waits for it: the studio's main window,
-// headless, large enough for a canvas of 600 units, with a design of six
-// layers (the base icon, two library overlays, a shape, a text and a long
-// shadow of the base icon). The figures that matter are printed at the end:
+// headless, large enough for a canvas of 600 units, with the benchmarks'
+// design of six layers around two chosen icons. The figures that matter are printed at the end:
 //   one step of a drag, from the mouse move to the painted frame   under 16 ms
 //   a click's hit test through the stack to the bottom layer       under 30 ms
 //   an undo and a redo, each with its list and canvas painted      under 20 ms
@@ -19,6 +18,7 @@
 #include "app/modStartup.h"
 #include "app/ui/cfMain.h"
 #include "bench/RatioReporter.h"
+#include "bench/TypicalDesign.h"
 #include "browser/cvIconSelectView.h"
 #include "design/cvIconDesignView.h"
 #include "design/cwCanvas.h"
@@ -61,26 +61,7 @@ struct World {
     form->SelectView().SelectionChanged = true;
     form->SwitchToView("IconSelectView");
     form->SwitchToView("IconDesignView");
-    auto add = [&](SVGItemPtr layer, const std::string& key, int pos, double zoom) {
-      layer->setPos(pos);
-      layer->setZoomPercent(zoom);
-      app->Layers.AddBefore(layer, key, 0);
-    };
-    SVGItemPtr shadow = app->Layers.Item("_BaseIco")->Clone();
-    shadow->setEffType(1);
-    shadow->setEffSymbolKey("_BaseIco");
-    shadow->SettingsRefresh();
-    app->Layers.Add(shadow, "Long Shadow");
-    SVGItemPtr lock = LibraryLayer(*app, "lock", "Flat");
-    add(lock, lock->ID().AsString(), 9, 40);
-    SVGItemPtr heart = LibraryLayer(*app, "heart", "Flat");
-    add(heart, heart->ID().AsString(), 1, 35);
-    add(app->ShapeItems.Item(app->FilledCircleIndex)->Clone(), "241126120000Shapes", 3, 30);
-    auto text = std::make_shared<cSVGItem>();
-    text->Init(Value("241126120000Text"), {}, "Text", nullptr, true, cSVGItem::FilterOriginal);
-    text->setTextContent("Bench");
-    text->SettingsRefresh();
-    add(text, "241126120000Text", 8, 30);
+    BuildTypicalDesign(*app, app->Layers.Item("_BaseIco"));
     view->vlstLayers->setListCount(app->Layers.Count());
     view->vlstLayers->setListIndex(0);
     view->AddToHistory();
@@ -92,16 +73,12 @@ struct World {
     backend->AdvanceMs(50);
     root.DoEvents();
   }
-  // A form point of the drawing, in hundredths of its side.
-  void Point(double px, double py, double& x, double& y) {
-    view->Canvas->FormPosition(x, y);
-    x += view->Canvas->Border() / 2 + px / 100 * view->Canvas->DrawingSide();
-    y += view->Canvas->Border() / 2 + py / 100 * view->Canvas->DrawingSide();
-  }
-  void Mouse(UiEvent::Type type, int button, double px, double py) {
+  // A point where a press hits the layer at `row`, as the canvas finds it.
+  WidgetPoint On(int row) { return view->Canvas->W_RowPoint(row); }
+  void Mouse(UiEvent::Type type, int button, const WidgetPoint& p, double dx = 0) {
     double x, y;
-    Point(px, py, x, y);
-    backend->Push({type, form.get(), button, 0, 0, x * form->Zoom(), y * form->Zoom()});
+    p.widget->FormPosition(x, y);
+    backend->Push({type, form.get(), button, 0, 0, (x + p.x + dx) * form->Zoom(), (y + p.y) * form->Zoom()});
     root.DoEvents();
   }
 };
@@ -115,13 +92,14 @@ World& TheWorld() {
 // shows the step is painted.
 void BM_DragFrame(benchmark::State& state) {
   World& w = TheWorld();
-  w.Mouse(UiEvent::Type::MouseDown, Button::Left, 85, 85);
-  double step = 1;
+  const WidgetPoint text = w.On(0);
+  w.Mouse(UiEvent::Type::MouseDown, Button::Left, text);
+  double step = 4;
   for (auto _ : state) {
-    w.Mouse(UiEvent::Type::MouseMove, Button::Left, 85 + step, 85);
+    w.Mouse(UiEvent::Type::MouseMove, Button::Left, text, step);
     step = -step;
   }
-  w.Mouse(UiEvent::Type::MouseUp, Button::Left, 85, 85);
+  w.Mouse(UiEvent::Type::MouseUp, Button::Left, text);
   w.Settle();
   state.counters["side"] = w.view->Canvas->DrawingSide();
 }
@@ -131,9 +109,10 @@ BENCHMARK(BM_DragFrame)->Unit(benchmark::kMillisecond);
 // drawn alone and read; the row is selected.
 void BM_HitTestClick(benchmark::State& state) {
   World& w = TheWorld();
+  const WidgetPoint bottom = w.On(w.app->Layers.Count() - 1);
   for (auto _ : state) {
-    w.Mouse(UiEvent::Type::MouseDown, Button::Left, 50, 50);
-    w.Mouse(UiEvent::Type::MouseUp, Button::Left, 50, 50);
+    w.Mouse(UiEvent::Type::MouseDown, Button::Left, bottom);
+    w.Mouse(UiEvent::Type::MouseUp, Button::Left, bottom);
   }
   state.counters["row"] = w.view->vlstLayers->ListIndex();
   w.Settle();

@@ -13,6 +13,7 @@
 #include "app/AppContext.h"
 #include "app/modStartup.h"
 #include "bench/RatioReporter.h"
+#include "bench/TypicalDesign.h"
 #include "engine/cSVGItem.h"
 #include "engine/modPixelOps.h"
 #include "engine/modRenderDesign.h"
@@ -92,57 +93,9 @@ void BM_LibrsvgRender(benchmark::State& state) {
 }
 BENCHMARK(BM_LibrsvgRender)->Unit(benchmark::kMicrosecond);
 
-// Six layers: the base icon with a form clip and its line, a long shadow
-// over a background shape, a glow, an overlay with a gradient filter, and a
-// text layer.
-void BuildTypicalDesign(World& w) {
-  AppContext& app = *w.app;
-  app.Layers.Clear();
-  SVGItemPtr bg = LibraryLayer(app, "Background_Rounded_Square_Blue", "Design Elements");
-  SVGItemPtr base = w.icon->Clone();
-  base->setZoomPercent(60);
-  base->setClipExists(true);
-  base->setClipInverted(false);
-  SVGItemPtr badge = LibraryLayer(app, "star", "Flat");
-  badge->setZoomPercent(30);
-  badge->setPos(3);
-  badge->setFilter(cSVGItem::FilterGradient);
-  badge->GradStopsAdd(0, 0xFFFFFF, 1, 0);
-  badge->GradStopsAdd(1, 0x00C0FF, 1, 1);
-  const auto effect = [&](int type, const std::string& name) {
-    auto e = std::make_shared<cSVGItem>();
-    e->Init(Value("0101260000" + name), {}, name, nullptr, true, cSVGItem::FilterColor);
-    e->setEffType(type);
-    e->setEffSymbolKey("_BaseIco");
-    e->setEffBGKey("bg");
-    return e;
-  };
-  SVGItemPtr text = std::make_shared<cSVGItem>();
-  text->Init(Value("0101260000Text"), {}, "Text", nullptr, true, cSVGItem::FilterColor);
-  text->setTextContent("Qd");
-  text->setZoomPercent(30);
-  text->setPos(9);
-  SVGItemPtr shadow = effect(1, "LS");
-  SVGItemPtr glow = effect(5, "GL");
-  glow->setEffBlur(3);
-  app.Layers.Add(text, "text");
-  app.Layers.Add(badge, "badge");
-  app.Layers.Add(base, "_BaseIco");
-  app.Layers.Add(glow, "glow");
-  app.Layers.Add(shadow, "ls");
-  app.Layers.Add(bg, "bg");
-  text->SettingsRefresh();
-  text->setColorItem(cColorItem(0xFFFFFF));
-  shadow->SettingsRefresh();
-  shadow->setColorItem(cColorItem(0));
-  shadow->setOpacity(30);
-  glow->SettingsRefresh();
-  glow->setColorItem(cColorItem(0x00FFFF));
-}
-
 void BM_SixLayerDesignAt512(benchmark::State& state) {
   World& w = TheWorld();
-  BuildTypicalDesign(w);
+  BuildTypicalDesign(*w.app, w.icon->Clone());
   SurfacePtr canvas = DrawingSurface::Create(512, 512);
   const auto frame = [&] {
     DrawingContext ctx(canvas);

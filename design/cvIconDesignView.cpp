@@ -266,9 +266,11 @@ void cvIconDesignView::CreateRightPanel(Widget& panel) {
   Opacity1->Changed = On("Opacity1_Changed", &cvIconDesignView::Opacity1_Changed);
   Opacity1->MouseUp = On("Opacity1_AddHistory", &cvIconDesignView::AddToHistory);
   y += kLine + 4;
-  optCurrLayer_ = &Place<cwOptionButton>(right, "optCurrLayer", kMargin, y, w / 2, kLine);
+  // One under the other: the captions are long in some languages.
+  optCurrLayer_ = &Place<cwOptionButton>(right, "optCurrLayer", kMargin, y, w, kLine);
   optCurrLayer_->Caption = LanguageText("Layer").Text;
-  optAllLayers_ = &Place<cwOptionButton>(right, "optAllLayers", kMargin + w / 2, y, w / 2, kLine);
+  y += kLine;
+  optAllLayers_ = &Place<cwOptionButton>(right, "optAllLayers", kMargin, y, w, kLine);
   optAllLayers_->Caption = LanguageText("Layers").Text;
   for (cwOptionButton* o : {optCurrLayer_, optAllLayers_}) {
     o->Group = "OpacityScope";

@@ -126,6 +126,12 @@ void cvIconDesignView::vlstLayers_OwnerDrawItem(int index, DrawingContext& cc, d
     if (b == BtnCut && !layer.ClipVisible()) picture = "Cut_Cancel";
     if (b == BtnEye && !layer.Visible()) picture = "Eye_Cancel";
     const double x = dx - (4 - b) * kButton, y = dy - kButtonBand + 1;
+    // On the selected row's accent the accent pictures need a tile.
+    if (index == vlstLayers->ListIndex()) {
+      cc.SetSourceColor(0xE4E4E4, alpha);
+      cc.RoundedRectangle(x + 1, y + 1, kButton - 2, kButton - 2, 3);
+      cc.Fill();
+    }
     if (const SurfacePtr icon = app.ImageList().Get(picture))
       cc.DrawSurface(icon, x + 2, y + 2, kButton - 4, kButton - 4, Filter::Good, alpha);
   }
